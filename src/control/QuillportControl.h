@@ -1,0 +1,163 @@
+#pragma once
+
+#include "control/panel.h"
+#include "platform/CommonDialog.h"
+#include "platform/FileSystem.h"
+#include "platform/Host.h"
+#include "platform/Prompt.h"
+#include "platform/XmlDocument.h"
+#include "platform/error_state.h"
+#include "transfer/FtpClient.h"
+#include "transfer/cXferFileInfo.h"
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace quillport {
+
+/// What a host gives to a control. All but the client are the host's own and outlive the control.
+struct ControlSite {
+    PanelListener& panel;
+    Host& host;
+    Prompter& prompter;
+    PickerDialog& picker;
+    FileSystem& files;
+    XmlPlatform& xml;
+    std::unique_ptr<FtpClient> ftp;
+};
+
+/// What became of the operator's hand on a control.
+enum class HandResult : std::uint8_t {
+    handled, ///< a handler ran, or there is none for it
+    ignored, ///< the control is disabled or hidden
+};
+
+/// The visual file-transfer control for one RTU: one panel, one FTP login, and the workflows that move one kind of file at a
+/// time. It lives on one thread. Calls block; the client's events and the operator's further clicks arrive nested inside
+/// them, and every public member may be called from there. It must not be destroyed while one of its calls runs.
+class QuillportControl : private FtpEvents {
+public:
+    /// Makes the control and prepares its panel.
+    explicit QuillportControl(ControlSite site);
+    ~QuillportControl() override;
+
+    // The hosting page's side.
+
+    /// Does nothing: a login starts from cmd_connect alone.
+    void Connect();
+    /// Ends the login and empties the information labels.
+    void Disconnect();
+    [[nodiscard]] const std::string& get_HostName() const;
+    void put_HostName(const std::string& hostName);
+    void put_partNumber(const std::string& newPartNumber);
+    /// A directory search on the operator's machine: the names that match stand at 1 to the last index, element 0 is
+    /// never filled. Raises what the file system raises.
+    [[nodiscard]] std::vector<std::string> GetFiles(const std::string& filespec, std::int32_t Attributes = 0);
+
+    // The operator's side. A Failure that leaves a command's own handling leaves these as well: the host shows its description.
+
+    HandResult click(ControlId control);
+    HandResult doubleClick(ControlId control);
+    HandResult keyDown(ControlId control, std::int32_t keyCode, std::int32_t shift);
+    /// The operator's typing replaces the text of a box, within its length limit.
+    HandResult type(ControlId control, std::string_view text);
+
+    [[nodiscard]] const Panel& panel() const { return panel_; }
+
+protected:
+    // control/: start-up, login, the commands
+    void InitControl();
+    void DoConnect();
+    void DoDisconnect();
+    void cmd_connect_Click();
+    void txt_password_KeyDown(std::int32_t keyCode, std::int32_t shift);
+    void lbl_Backdoor_DblClick();
+    void cmdGetFile_Click();
+    void cmdSendFile_Click();
+    void cmdCancel_Click();
+    [[nodiscard]] std::string getConfiguration();
+
+    // inventory/: what the RTU says of itself
+    void ReadRtuSetup();
+    void GetRtuAppName();
+    void GetRtuOsName();
+    void GetRtuGuiName();
+    [[nodiscard]] std::string FormatRtuDate(DateTime date);
+
+    // transfer/: remote primitives and the records of a transfer
+    [[nodiscard]] std::string ChgFolder(const std::string& folder);
+    [[nodiscard]] std::string DelFile(const std::string& remotePath);
+    [[nodiscard]] std::string RenameFile(const std::string& oldPath, const std::string& newPath);
+    [[nodiscard]] std::string DelOtherFiles(std::string& folder, const std::string& keepName,
+                                            const std::string& extension);
+    [[nodiscard]] static std::string GetPathTail(const std::string& path, const std::string& separator);
+    [[nodiscard]] static std::string GetFileExt(const std::string& name);
+    [[nodiscard]] bool LocalFileExists(const std::string& path);
+    void RecordXferFile(const std::string& src, const std::string& dst, std::int32_t size);
+
+    // get/
+    [[nodiscard]] std::string GetApp();
+    [[nodiscard]] std::string GetOs();
+
+    // The client's events.
+    void OnFtpFileQuery(const std::string& localPath, DateTime date, std::int32_t size, std::int32_t itemType,
+                        const std::string& secondText, bool& skip) override;
+    void OnFtpProgress(const FtpProgress& progress) override;
+    void OnFtpListItem(const std::string& name, DateTime date, std::int32_t size, std::int32_t itemType,
+                       const std::string& secondText) override;
+    void OnFtpCommandSent(const std::string& command, std::int32_t type) override;
+    void OnFtpReceiving(const std::string& remoteName, std::string& localPath, std::int32_t size) override;
+    void OnFtpScanning(const std::string& folder, std::int32_t type) override;
+    void OnFtpSending(const std::string& localPath, std::string& remotePath, std::int32_t size) override;
+    void OnFtpFileSkipped(const std::string& firstPath, const std::string& secondPath,
+                          std::int32_t reason) override;
+
+    // Words shared by the rooms.
+    void tell(const std::string& text, const std::string& title = std::string(projectName),
+              Icon icon = Icon::none);
+    [[nodiscard]] Button ask(const std::string& text, const std::string& title, std::vector<Button> buttons,
+                             int defaultButton, Icon icon);
+    /// The end of every prompt that reports a failure of the client, from the error object.
+    [[nodiscard]] std::string descriptionAndNumber() const;
+    [[nodiscard]] const std::string& textOf(ControlId control) const { return panel_.text(control); }
+
+    std::string dataRoot;             ///< root of the RTU's data volume, with its trailing "/"
+    std::string bootRoot;             ///< root of the RTU's boot volume, with its trailing "/"
+    bool promptEachOverwrite = false; ///< a file that stands at the destination is put to the operator
+    bool promptOverwriteAll = false;  ///< the offer to overwrite all is still to be made
+    std::string xferDirection;        ///< "Send" or "Get" during a transfer call
+    std::string xferKind;             ///< "App", "Os", "Config", "Gui", "GUI", "Tmpl", "RLL" or "Full" during one
+    std::string listSelector;         ///< tells OnFtpListItem what the running listing is for
+    std::int16_t listCount = 0;       ///< files that the running "xml" listing delivered
+    std::string rtuNameCompact;       ///< the RTU's name with every blank removed
+    std::string rtuTypeName;
+    std::string rtuRunMode;
+    std::string connectMark;
+    std::string HostName;   ///< FTP server and host of the HTTP URLs, unchanged
+    std::string partNumber; ///< of the RTU's CPU board, "K5901" or "K5902"
+    std::vector<std::string> getFileNames;
+    XferFiles xferFiles; ///< the files of the running transfer, as the events reported them
+    bool skipConfigCheck = false;
+    std::int32_t verifyMode = 0; ///< 0 after a Get, 1 after a Send
+
+    ErrorState error_;
+
+private:
+    void readCpu(CarryOn& carryOn, const XmlElement& cpu);
+    void readRtuValue(CarryOn& carryOn, const XmlElement& element);
+    void readConfigValue(CarryOn& carryOn, const XmlElement& element);
+
+protected:
+    Panel panel_;
+    Host& host_;
+    Prompter& prompter_;
+    FileSystem& files_;
+    XmlPlatform& xml_;
+    CommonDialog CommonDialog1;
+    std::unique_ptr<FtpClient> XceedFtp1;
+};
+
+} // namespace quillport
