@@ -35,9 +35,10 @@ enum class HandResult : std::uint8_t {
     ignored, ///< the control is disabled or hidden
 };
 
-/// The visual file-transfer control for one RTU: one panel, one FTP login, and the workflows that move one kind of file at a
-/// time. It lives on one thread. Calls block; the client's events and the operator's further clicks arrive nested inside
-/// them, and every public member may be called from there. It must not be destroyed while one of its calls runs.
+/// The visual file-transfer control for one RTU: one panel, one FTP login, and the workflows that move one
+/// kind of file at a time. It lives on one thread. Calls block; the client's events and the operator's
+/// further clicks arrive nested inside them, and every public member may be called from there. It must not be
+/// destroyed while one of its calls runs.
 class QuillportControl : private FtpEvents {
 public:
     /// Makes the control and prepares its panel.
@@ -53,11 +54,12 @@ public:
     [[nodiscard]] const std::string& get_HostName() const;
     void put_HostName(const std::string& hostName);
     void put_partNumber(const std::string& newPartNumber);
-    /// A directory search on the operator's machine: the names that match stand at 1 to the last index, element 0 is
-    /// never filled. Raises what the file system raises.
+    /// A directory search on the operator's machine: the names that match stand at 1 to the last index,
+    /// element 0 is never filled. Raises what the file system raises.
     [[nodiscard]] std::vector<std::string> GetFiles(const std::string& filespec, std::int32_t Attributes = 0);
 
-    // The operator's side. A Failure that leaves a command's own handling leaves these as well: the host shows its description.
+    // The operator's side. A Failure that leaves a command's own handling leaves these as well: the host
+    // shows its description.
 
     HandResult click(ControlId control);
     HandResult doubleClick(ControlId control);
@@ -78,7 +80,7 @@ protected:
     void cmdGetFile_Click();
     void cmdSendFile_Click();
     void cmdCancel_Click();
-    [[nodiscard]] std::string getConfiguration();
+    [[nodiscard]] bool connectedOrTold();
 
     // inventory/: what the RTU says of itself
     void ReadRtuSetup();
@@ -129,10 +131,10 @@ protected:
     bool promptEachOverwrite = false; ///< a file that stands at the destination is put to the operator
     bool promptOverwriteAll = false;  ///< the offer to overwrite all is still to be made
     std::string xferDirection;        ///< "Send" or "Get" during a transfer call
-    std::string xferKind;             ///< "App", "Os", "Config", "Gui", "GUI", "Tmpl", "RLL" or "Full" during one
-    std::string listSelector;         ///< tells OnFtpListItem what the running listing is for
-    std::int16_t listCount = 0;       ///< files that the running "xml" listing delivered
-    std::string rtuNameCompact;       ///< the RTU's name with every blank removed
+    std::string xferKind;       ///< "App", "Os", "Config", "Gui", "GUI", "Tmpl", "RLL" or "Full" during one
+    std::string listSelector;   ///< tells OnFtpListItem what the running listing is for
+    std::int16_t listCount = 0; ///< files that the running "xml" listing delivered
+    std::string rtuNameCompact; ///< the RTU's name with every blank removed
     std::string rtuTypeName;
     std::string rtuRunMode;
     std::string connectMark;
@@ -146,9 +148,19 @@ protected:
     ErrorState error_;
 
 private:
+    struct VolumeGet;
+
     void readCpu(CarryOn& carryOn, const XmlElement& cpu);
-    void readRtuValue(CarryOn& carryOn, const XmlElement& element);
-    void readConfigValue(CarryOn& carryOn, const XmlElement& element);
+    void readRtuValue(const XmlElement& element);
+    void readConfigValue(const XmlElement& element);
+    void listForPanel(const std::string& folder, const std::string& selector, const std::string& failureText);
+    [[nodiscard]] bool mayOverwrite(const std::string& localPath);
+    void offerOverwriteAll();
+    void settleTemplate(const std::string& tail, std::string& localPath);
+    [[nodiscard]] std::string pickedFolder() const;
+    [[nodiscard]] std::string getFromVolume(const VolumeGet& get);
+    [[nodiscard]] std::string fetchFromVolume(CarryOn& carryOn, const VolumeGet& get,
+                                              const std::string& localFolder);
 
 protected:
     Panel panel_;
