@@ -33,6 +33,22 @@ std::string QuillportControl::descriptionAndNumber() const {
     return error_.Description() + "'. Error code#" + std::to_string(error_.Number());
 }
 
+void QuillportControl::showBar() {
+    panel_.setValue(ControlId::barTotFile, 0);
+    panel_.setVisible(ControlId::barTotFile, true);
+}
+
+void QuillportControl::hideBar() {
+    panel_.setValue(ControlId::barTotFile, 0);
+    panel_.setVisible(ControlId::barTotFile, false);
+}
+
+std::string QuillportControl::cancelled(const std::string& title) {
+    tell("Operation Cancelled", title, Icon::information);
+    hideBar();
+    return "Cancelled";
+}
+
 std::string QuillportControl::pickedFolder() const {
     const std::string& path = CommonDialog1.FileName();
     return text::left(path, text::length(path) - text::length(CommonDialog1.FileTitle()));

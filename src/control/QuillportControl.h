@@ -124,6 +124,15 @@ protected:
                              int defaultButton, Icon icon);
     /// The end of every prompt that reports a failure of the client, from the error object.
     [[nodiscard]] std::string descriptionAndNumber() const;
+    /// The folder part of the picker's answer, with its trailing "\".
+    [[nodiscard]] std::string pickedFolder() const;
+    /// The bar at 0 and visible, as every transfer begins.
+    void showBar();
+    /// The bar at 0 and hidden.
+    void hideBar();
+    /// How a transfer that failed or was stopped ends: the box "Operation Cancelled" under this title, the
+    /// bar hidden. Answers "Cancelled".
+    [[nodiscard]] std::string cancelled(const std::string& title);
     [[nodiscard]] const std::string& textOf(ControlId control) const { return panel_.text(control); }
 
     std::string dataRoot;             ///< root of the RTU's data volume, with its trailing "/"
@@ -157,7 +166,6 @@ private:
     [[nodiscard]] bool mayOverwrite(const std::string& localPath);
     void offerOverwriteAll();
     void settleTemplate(const std::string& tail, std::string& localPath);
-    [[nodiscard]] std::string pickedFolder() const;
     [[nodiscard]] std::string getFromVolume(const VolumeGet& get);
     [[nodiscard]] std::string fetchFromVolume(CarryOn& carryOn, const VolumeGet& get,
                                               const std::string& localFolder);

@@ -14,8 +14,7 @@ void QuillportControl::cmdGetFile_Click() {
     } else if (textOf(ControlId::cmbFileType) == "Operating System") {
         result = GetOs();
     }
-    panel_.setValue(ControlId::barTotFile, 0);
-    panel_.setVisible(ControlId::barTotFile, false);
+    hideBar();
     panel_.setText(ControlId::txtResult, result);
 }
 

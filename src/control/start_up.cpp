@@ -5,8 +5,7 @@
 namespace quillport {
 
 void QuillportControl::InitControl() {
-    panel_.setValue(ControlId::barTotFile, 0);
-    panel_.setVisible(ControlId::barTotFile, false);
+    hideBar();
     const bool ready = ranToItsEnd(error_, [&] {
         panel_.setText(ControlId::txtResult, "Not connected to RTU");
         // lblGuiSize keeps its design caption until a listing fills it.

@@ -84,13 +84,10 @@ std::string QuillportControl::getFromVolume(const VolumeGet& get) {
 
 std::string QuillportControl::fetchFromVolume(CarryOn& carryOn, const VolumeGet& get,
                                               const std::string& localFolder) {
-    std::string changed;
-    carryOn.assign(changed, [&] { return ChgFolder(get.remoteFolder); });
-    if (changed != "OK") {
+    if (carryOn.valueOf([&] { return ChgFolder(get.remoteFolder); }) != "OK") {
         return "ERROR";
     }
-    panel_.setValue(ControlId::barTotFile, 0);
-    panel_.setVisible(ControlId::barTotFile, true);
+    showBar();
     panel_.setText(ControlId::txtResult, "Getting file " + textOf(get.label) + " ...");
     xferDirection = "Get";
     xferKind = get.kind;
@@ -107,13 +104,11 @@ std::string QuillportControl::fetchFromVolume(CarryOn& carryOn, const VolumeGet&
     xferKind.clear();
     promptEachOverwrite = true;
     promptOverwriteAll = true;
-    const bool received = error_.Number() == 0;
-    if (!received) {
-        tell("Operation Cancelled", get.failureTitle, Icon::information);
+    if (error_.Number() != 0) {
+        return cancelled(get.failureTitle);
     }
-    panel_.setValue(ControlId::barTotFile, 0);
-    panel_.setVisible(ControlId::barTotFile, false);
-    return received ? "OK" : "Cancelled";
+    hideBar();
+    return "OK";
 }
 
 } // namespace quillport

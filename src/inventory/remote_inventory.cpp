@@ -19,9 +19,7 @@ void QuillportControl::GetRtuGuiName() {
 void QuillportControl::listForPanel(const std::string& folder, const std::string& selector,
                                     const std::string& failureText) {
     CarryOn carryOn(error_);
-    std::string changed;
-    carryOn.assign(changed, [&] { return ChgFolder(folder); });
-    if (changed != "OK") {
+    if (carryOn.valueOf([&] { return ChgFolder(folder); }) != "OK") {
         tell("ChgFolder error");
         return;
     }

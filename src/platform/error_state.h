@@ -54,6 +54,14 @@ public:
         run([&] { variable = std::forward<Expression>(expression)(); });
     }
 
+    /// What an expression gives; one that fails gives the empty value, such as an empty result word.
+    template <typename Expression>
+    [[nodiscard]] auto valueOf(Expression&& expression) {
+        decltype(expression()) value{};
+        assign(value, std::forward<Expression>(expression));
+        return value;
+    }
+
     /// Answers a test. One that fails answers true: the first statement of its branch runs next.
     template <typename Condition>
     [[nodiscard]] bool test(Condition&& condition) {

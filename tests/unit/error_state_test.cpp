@@ -69,6 +69,13 @@ TEST_F(ErrorModes, AnAssignmentThatFailsLeavesTheVariable) {
     EXPECT_EQ(word, "after");
 }
 
+TEST_F(ErrorModes, AnExpressionThatFailsGivesTheEmptyValue) {
+    CarryOn carryOn(error);
+    EXPECT_EQ(carryOn.valueOf([]() -> std::string { fail(5); }), "");
+    EXPECT_EQ(carryOn.valueOf([] { return std::string("OK"); }), "OK");
+    EXPECT_EQ(error.Number(), 5);
+}
+
 TEST_F(ErrorModes, WhatIsPendingWhenAProcedureReturnsIsPendingInItsCaller) {
     CarryOn caller(error);
     const auto procedure = [&] {
