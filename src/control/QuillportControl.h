@@ -10,8 +10,10 @@
 #include "transfer/FtpClient.h"
 #include "transfer/cXferFileInfo.h"
 
+#include <array>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -81,9 +83,11 @@ protected:
     void cmdSendFile_Click();
     void cmdCancel_Click();
     [[nodiscard]] bool connectedOrTold();
+    [[nodiscard]] std::string getConfigAndRll();
 
     // inventory/: what the RTU says of itself
     void ReadRtuSetup();
+    void ReadProfileC();
     void GetRtuAppName();
     void GetRtuOsName();
     void GetRtuGuiName();
@@ -100,9 +104,58 @@ protected:
     [[nodiscard]] bool LocalFileExists(const std::string& path);
     void RecordXferFile(const std::string& src, const std::string& dst, std::int32_t size);
 
+    /// Uploads one file and replaces what stood under the old name, touching the RTU's running files as late
+    /// as possible. The caller's new name grows ".new" for an image, the folder "/" for a GUI file. Answers
+    /// in `result`.
+    void SendAppOrOs(const std::string& localPath, std::string& newName, std::string& folder,
+                     std::string oldName, std::string& result);
+
+    /// Compares the size of every recorded file with what stands at the far end and offers a retry for each
+    /// that differs. Has no result: the operator's chance to repair a transfer is its whole effect.
+    void VerifyXfer();
+    void RetryGetFile(const std::string& localFolder, const std::string& remoteFolder,
+                      const std::string& fileName, double attemptCount, bool& done);
+
+    // send/
+    [[nodiscard]] std::string SendApp();
+    [[nodiscard]] std::string SendOs();
+    [[nodiscard]] std::string SendGuiFile();
+    /// Judges a folder of configuration files against the GUI that the RTU holds. Answers in its arguments:
+    /// one line a fault, and whether a version was among them. Its own value is always false.
+    bool CheckSrcConfig(const std::string& srcFolder, std::string& invalidList, bool& versionFailed);
+    [[nodiscard]] std::string SendConfig();
+    [[nodiscard]] std::string SendConfigFiles(const std::string& srcFolder, const std::string& rtuXmlFolder,
+                                              const std::array<std::string, 6>& fileExts);
+    [[nodiscard]] std::int16_t ScanRtuConfigNames();
+    /// `srcPath` is the picked folder with no trailing "\" and becomes the local send mask.
+    [[nodiscard]] std::string SendRll(std::string& srcPath);
+    [[nodiscard]] std::int16_t CountRtuSubfolderFiles(const std::string& folder);
+    [[nodiscard]] std::string DelRtuFolderFiles(const std::string& folder);
+    /// `path` is the tree's root and one character more, which is cut off. True when the walk has run to its
+    /// end, whatever faults it has gathered.
+    [[nodiscard]] bool checkTmplSrcFolder(std::string& path, std::string& failedList, bool& versionFailed);
+    [[nodiscard]] bool ScanTmplFolder(const std::string& guiKey, const std::string& folder,
+                                      std::string& failedList, bool& versionFailed);
+    [[nodiscard]] std::string SendTemplates();
+    [[nodiscard]] std::string DelRtuTmplFolders(const std::string& folder);
+    [[nodiscard]] std::string DelRtuTmplFiles(const std::string& folder);
+    [[nodiscard]] std::string SendConfigOld();
+    [[nodiscard]] std::string SendGuiFolder();
+    [[nodiscard]] std::string SendFullImage();
+    [[nodiscard]] static bool CheckFullImageFolder(const std::string& folder);
+
     // get/
     [[nodiscard]] std::string GetApp();
     [[nodiscard]] std::string GetOs();
+    [[nodiscard]] std::string GetConfig();
+    /// Fetches into the tree that GetConfig has just filled: the picker still holds its answer.
+    [[nodiscard]] std::string GetRll();
+    [[nodiscard]] std::string GetGui();
+    [[nodiscard]] std::string GetFullImage();
+    [[nodiscard]] std::string GetTemplates();
+    /// Deletes all that is in a folder, given with no trailing "\"; the folder stays. A read-only entry
+    /// raises.
+    void ClearLocalFolder(const std::string& folder);
 
     // The client's events.
     void OnFtpFileQuery(const std::string& localPath, DateTime date, std::int32_t size, std::int32_t itemType,
@@ -159,6 +212,9 @@ protected:
 private:
     struct VolumeGet;
 
+    [[nodiscard]] std::unique_ptr<XmlDocument> loadedFromRtu(CarryOn& carryOn, const std::string& folder,
+                                                             const std::string& fileName);
+    void readGuiValue(const XmlElement& element);
     void readCpu(CarryOn& carryOn, const XmlElement& cpu);
     void readRtuValue(const XmlElement& element);
     void readConfigValue(const XmlElement& element);
@@ -166,6 +222,37 @@ private:
     [[nodiscard]] bool mayOverwrite(const std::string& localPath);
     void offerOverwriteAll();
     void settleTemplate(const std::string& tail, std::string& localPath);
+    void verifyReceived(CarryOn& carryOn, const cXferFileInfo& record);
+    void verifySent(CarryOn& carryOn, const cXferFileInfo& record);
+    [[nodiscard]] std::shared_ptr<const ftpFolderItems> listedForVerification(CarryOn& carryOn,
+                                                                              const cXferFileInfo& record);
+    [[nodiscard]] bool retryWanted(const cXferFileInfo& record, const std::string& question);
+    /// The version that configurations and templates must carry: the start of the RTU's GUI file name.
+    [[nodiscard]] std::string guiVersionKey() const;
+    [[nodiscard]] std::string sendPickedConfig();
+    void tellRefusedConfig(const std::string& invalidList, bool versionFailed);
+    [[nodiscard]] std::int16_t countLocalRll(CarryOn& carryOn, const std::string& folder);
+    /// Asks what the two counts call for. A word when SendRll ends with it, nothing when the files go up.
+    [[nodiscard]] std::optional<std::string> settledRll(CarryOn& carryOn, const std::string& rtuRllFolder,
+                                                        std::int16_t localRllCount, std::int16_t rtuRllCount);
+    void tellRefusedTemplates(const std::string& failedList, bool versionFailed);
+    [[nodiscard]] Button askAboutRtuTemplates(std::int16_t rtuFileCount);
+    [[nodiscard]] std::string sendPickedConfigOld();
+    [[nodiscard]] std::string endOfSend(const std::string& cancelledTitle);
+    [[nodiscard]] std::string sendPickedApp();
+    [[nodiscard]] std::string sendPickedGuiFile();
+    /// Asks before the file that a label names is replaced on the RTU; with no name there is nothing to ask.
+    /// False when the operator declined, and txtResult says so.
+    [[nodiscard]] bool confirmedReplacing(const std::string& what, ControlId nameLabel,
+                                          const std::string& fileName, const std::string& title);
+    /// The sending stage of an application or a GUI file.
+    [[nodiscard]] std::string sendSingleFile(const std::string& fileName, std::string& fileTitle,
+                                             std::string& rtuFolder, ControlId nameLabel,
+                                             const std::string& kind);
+    /// A Get's transfer call, with the members that steer the events set around it.
+    void receiveFiles(CarryOn& carryOn, const std::string& kind, const std::string& remoteSpec,
+                      const std::string& localFolder, bool recurse);
+    [[nodiscard]] Button askAboutContents(const std::string& question);
     [[nodiscard]] std::string getFromVolume(const VolumeGet& get);
     [[nodiscard]] std::string fetchFromVolume(CarryOn& carryOn, const VolumeGet& get,
                                               const std::string& localFolder);

@@ -1,5 +1,9 @@
 #include "control/QuillportControl.h"
 
+#include "platform/text.h"
+
+#include <chrono>
+
 namespace quillport {
 
 void QuillportControl::cmdGetFile_Click() {
@@ -13,9 +17,24 @@ void QuillportControl::cmdGetFile_Click() {
         result = GetApp();
     } else if (textOf(ControlId::cmbFileType) == "Operating System") {
         result = GetOs();
+    } else if (textOf(ControlId::cmbFileType) == "Configuration") {
+        result = getConfigAndRll();
+    } else if (textOf(ControlId::cmbFileType) == "GUI") {
+        result = GetGui();
+    } else if (textOf(ControlId::cmbFileType) == "Templates") {
+        result = GetTemplates();
     }
     hideBar();
     panel_.setText(ControlId::txtResult, result);
+}
+
+std::string QuillportControl::getConfigAndRll() {
+    if (text::upper(GetConfig()) != "OK") {
+        return "Config Failed. ISaGRAF Failed.";
+    }
+    host_.sleep(std::chrono::milliseconds(5500));
+    xferFiles = std::make_shared<std::list<cXferFileInfo>>();
+    return text::upper(GetRll()) == "OK" ? "Config OK. ISaGRAF OK." : "Config OK. ISaGRAF Failed.";
 }
 
 void QuillportControl::cmdSendFile_Click() {
@@ -25,7 +44,18 @@ void QuillportControl::cmdSendFile_Click() {
     verifyMode = 1;
     xferFiles = std::make_shared<std::list<cXferFileInfo>>();
     panel_.setEnabled(ControlId::cmdCancel, false);
-    const std::string result = "OK";
+    std::string result = "OK";
+    if (textOf(ControlId::cmbFileType) == "Application") {
+        result = SendApp();
+    } else if (textOf(ControlId::cmbFileType) == "Operating System") {
+        result = SendOs();
+    } else if (textOf(ControlId::cmbFileType) == "Configuration") {
+        result = SendConfig();
+    } else if (textOf(ControlId::cmbFileType) == "GUI") {
+        result = SendGuiFile();
+    } else if (textOf(ControlId::cmbFileType) == "Templates") {
+        result = SendTemplates();
+    }
     panel_.setEnabled(ControlId::cmdCancel, true);
     panel_.setText(ControlId::txtResult, result);
 }

@@ -69,8 +69,7 @@ std::string QuillportControl::getFromVolume(const VolumeGet& get) {
         if (!carryOn.test([&] { return !files_.search(localFolder, file_attribute::normal).empty(); })) {
             return fetchFromVolume(carryOn, get, localFolder);
         }
-        const Button answer = ask(get.question, "Folder not empty", {Button::Yes, Button::No, Button::Cancel},
-                                  3, Icon::question);
+        const Button answer = askAboutContents(get.question);
         if (answer == Button::Yes) {
             // A deletion that fails is not looked at here: it stays pending and counts below.
             carryOn.run([&] { files_.deleteMatching(localFolder + get.localMask); });
@@ -89,19 +88,13 @@ std::string QuillportControl::fetchFromVolume(CarryOn& carryOn, const VolumeGet&
     }
     showBar();
     panel_.setText(ControlId::txtResult, "Getting file " + textOf(get.label) + " ...");
-    xferDirection = "Get";
-    xferKind = get.kind;
-    const std::string wanted = get.fetchesNameOnLabel ? textOf(get.label) : get.localMask;
-    carryOn.run([&] { XceedFtp1->ftpReceiveFiles(wanted, localFolder, false); });
+    receiveFiles(carryOn, get.kind, get.fetchesNameOnLabel ? textOf(get.label) : get.localMask, localFolder,
+                 false);
     if (get.fetchesCompanion && partNumber == "K5902") {
         // Fetched even after a failed first file: the test below covers both.
         panel_.setText(ControlId::txtResult, "Getting file WebCLI...");
-        xferDirection = "Get";
-        xferKind = get.kind;
-        carryOn.run([&] { XceedFtp1->ftpReceiveFiles("WEBCLI", localFolder, false); });
+        receiveFiles(carryOn, get.kind, "WEBCLI", localFolder, false);
     }
-    xferDirection.clear();
-    xferKind.clear();
     promptEachOverwrite = true;
     promptOverwriteAll = true;
     if (error_.Number() != 0) {

@@ -7,12 +7,7 @@ namespace quillport {
 
 void QuillportControl::ReadRtuSetup() {
     CarryOn carryOn(error_);
-    std::unique_ptr<XmlDocument> xmlDoc;
-    carryOn.assign(xmlDoc, [&] { return xml_.createDocument(); });
-    carryOn.run([&] { object(xmlDoc).put_ResolveExternals(true); });
-    carryOn.run([&] { object(xmlDoc).put_ValidateOnParse(true); });
-    carryOn.run([&] { object(xmlDoc).put_Async(false); });
-    carryOn.run([&] { object(xmlDoc).load("http://" + HostName + "/cs/xml/" + "rtusetup.xml"); });
+    const std::unique_ptr<XmlDocument> xmlDoc = loadedFromRtu(carryOn, "/cs/xml/", "rtusetup.xml");
     if (carryOn.test([&] { return !object(xmlDoc).parseErrorReason().empty(); })) {
         tell(" Unable to access the file RtuSetup.xml");
         panel_.setText(ControlId::lblRtuName, "RtuSetup.xml not found");
@@ -25,6 +20,16 @@ void QuillportControl::ReadRtuSetup() {
             }
         }
     });
+}
+
+std::unique_ptr<XmlDocument> QuillportControl::loadedFromRtu(CarryOn& carryOn, const std::string& folder,
+                                                             const std::string& fileName) {
+    auto xmlDoc = carryOn.valueOf([&] { return xml_.createDocument(); });
+    carryOn.run([&] { object(xmlDoc).put_ResolveExternals(true); });
+    carryOn.run([&] { object(xmlDoc).put_ValidateOnParse(true); });
+    carryOn.run([&] { object(xmlDoc).put_Async(false); });
+    carryOn.run([&] { object(xmlDoc).load("http://" + HostName + folder + fileName); });
+    return xmlDoc;
 }
 
 void QuillportControl::readCpu(CarryOn& carryOn, const XmlElement& cpu) {
