@@ -1,0 +1,29 @@
+#pragma once
+
+#include "terminal/CommandRecord.h"
+#include "terminal/exit_status.h"
+
+#include <optional>
+#include <string>
+
+namespace quillport {
+
+/// All that counts for the status of a transfer command.
+struct TransferOutcome {
+    std::string result;                                  ///< the control's own word
+    std::optional<CommandRecord::FailedCall> failedCall; ///< a call on the FTP client that raised
+    std::optional<std::string> unhandledFailure;         ///< what left the control's own handling
+    int filesMoved = 0;
+    std::optional<std::string> incompleteFile;
+};
+
+struct Judgement {
+    ExitStatus status;
+    std::string reason; ///< why it is not done; empty when it is
+};
+
+/// Done only when the result says OK throughout, nothing failed on the way, at least one file moved and each
+/// that came is as long as it was said to be.
+[[nodiscard]] Judgement judge(const TransferOutcome& outcome);
+
+} // namespace quillport
