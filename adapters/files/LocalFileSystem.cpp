@@ -151,12 +151,12 @@ void remove(const fs::path& native, const std::string& path) {
     }
 }
 
-/// Raises `number` for a read-only entry. A link has no such bit of its own.
-void refuseReadOnly(const fs::path& native, std::int32_t number) {
+/// Raises for a read-only entry that is to be deleted. A link has no such bit of its own.
+void refuseReadOnly(const fs::path& native) {
     std::error_code ignored;
     const fs::file_status status = fs::symlink_status(native, ignored);
     if (fs::exists(status) && !fs::is_symlink(status) && isReadOnly(status)) {
-        raiseLocal(number, native.string());
+        raiseLocal(failure_number::pathFileAccess, native.string());
     }
 }
 
@@ -172,7 +172,7 @@ void deleteTree(const fs::path& folder, Force force) {
     if (force == Force::yes) {
         allowWriting(folder);
     } else {
-        refuseReadOnly(folder, failure_number::permissionDenied);
+        refuseReadOnly(folder);
     }
     std::error_code error;
     const auto entries = entriesOf(folder, error);
@@ -185,7 +185,7 @@ void deleteTree(const fs::path& folder, Force force) {
             continue;
         }
         if (force == Force::no) {
-            refuseReadOnly(entry.path(), failure_number::permissionDenied);
+            refuseReadOnly(entry.path());
         }
         remove(entry.path(), entry.path().string());
     }
@@ -249,7 +249,7 @@ void LocalFileSystem::deleteMatching(const std::string& mask) {
     }
     const fs::path folder = fileSpec(mask).folder;
     for (const std::string& name : names) {
-        refuseReadOnly(folder / name, failure_number::pathFileAccess);
+        refuseReadOnly(folder / name);
         remove(folder / name, mask);
     }
 }
@@ -306,7 +306,7 @@ void LocalFileSystem::deleteFile(const std::string& path, Force force) {
         raiseLocal(failure_number::fileNotFound, path);
     }
     if (force == Force::no) {
-        refuseReadOnly(native, failure_number::permissionDenied);
+        refuseReadOnly(native);
     }
     remove(native, path);
 }

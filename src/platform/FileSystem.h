@@ -53,9 +53,9 @@ public:
     /// The descriptive name of a file's type: "Text Document" for the extension txt.
     virtual std::string typeName(const std::string& path) = 0;
 
-    /// Deletes one file. Without force a read-only one raises 70.
+    /// Deletes one file. Without force a read-only one raises 75.
     virtual void deleteFile(const std::string& path, Force force) = 0;
-    /// Deletes a folder with all it holds. Without force a read-only entry raises 70, and what was deleted
+    /// Deletes a folder with all it holds. Without force a read-only entry raises 75, and what was deleted
     /// before it stays deleted.
     virtual void deleteFolder(const std::string& path, Force force) = 0;
     /// Makes the last level of a path; 76 when its parent is not there, 58 when it exists.
