@@ -216,12 +216,13 @@ private:
                                                              const std::string& fileName);
     void readGuiValue(const XmlElement& element);
     void readCpu(CarryOn& carryOn, const XmlElement& cpu);
-    void readRtuValue(const XmlElement& element);
-    void readConfigValue(const XmlElement& element);
+    void readRtuValue(CarryOn& carryOn, const XmlElement& element);
+    void readConfigValue(CarryOn& carryOn, const XmlElement& element);
     void listForPanel(const std::string& folder, const std::string& selector, const std::string& failureText);
     [[nodiscard]] bool mayOverwrite(const std::string& localPath);
     void offerOverwriteAll();
     void settleTemplate(const std::string& tail, std::string& localPath);
+    void showVerifying(CarryOn& carryOn, const std::string& path);
     void verifyReceived(CarryOn& carryOn, const cXferFileInfo& record);
     void verifySent(CarryOn& carryOn, const cXferFileInfo& record);
     [[nodiscard]] std::shared_ptr<const ftpFolderItems> listedForVerification(CarryOn& carryOn,

@@ -66,7 +66,8 @@ std::string QuillportControl::getFromVolume(const VolumeGet& get) {
             return "";
         }
         CarryOn carryOn(error_);
-        if (!carryOn.test([&] { return !files_.search(localFolder, file_attribute::normal).empty(); })) {
+        // A search that fails finds nothing, and its failure stays pending for the change of folder below.
+        if (carryOn.valueOf([&] { return files_.search(localFolder, file_attribute::normal); }).empty()) {
             return fetchFromVolume(carryOn, get, localFolder);
         }
         const Button answer = askAboutContents(get.question);
@@ -88,8 +89,9 @@ std::string QuillportControl::fetchFromVolume(CarryOn& carryOn, const VolumeGet&
     }
     showBar();
     panel_.setText(ControlId::txtResult, "Getting file " + textOf(get.label) + " ...");
-    receiveFiles(carryOn, get.kind, get.fetchesNameOnLabel ? textOf(get.label) : get.localMask, localFolder,
-                 false);
+    // A copy: the page may empty the label while the call runs.
+    const std::string remoteSpec = get.fetchesNameOnLabel ? textOf(get.label) : get.localMask;
+    receiveFiles(carryOn, get.kind, remoteSpec, localFolder, false);
     if (get.fetchesCompanion && partNumber == "K5902") {
         // Fetched even after a failed first file: the test below covers both.
         panel_.setText(ControlId::txtResult, "Getting file WebCLI...");

@@ -12,14 +12,12 @@ void QuillportControl::ReadRtuSetup() {
         tell(" Unable to access the file RtuSetup.xml");
         panel_.setText(ControlId::lblRtuName, "RtuSetup.xml not found");
     }
-    carryOn.run([&] {
-        const std::unique_ptr<XmlElement> root = object(xmlDoc).documentElement();
-        for (const auto& element : object(root).children()) {
-            if (element->name() == "CPU") {
-                readCpu(carryOn, *element);
-            }
+    const auto root = carryOn.valueOf([&] { return object(xmlDoc).documentElement(); });
+    for (const auto& element : carryOn.valueOf([&] { return object(root).children(); })) {
+        if (carryOn.test([&] { return element->name() == "CPU"; })) {
+            readCpu(carryOn, *element);
         }
-    });
+    }
 }
 
 std::unique_ptr<XmlDocument> QuillportControl::loadedFromRtu(CarryOn& carryOn, const std::string& folder,
@@ -33,41 +31,45 @@ std::unique_ptr<XmlDocument> QuillportControl::loadedFromRtu(CarryOn& carryOn, c
 }
 
 void QuillportControl::readCpu(CarryOn& carryOn, const XmlElement& cpu) {
-    for (const auto& container : cpu.children()) {
-        const std::string name = container->name();
-        for (const auto& element : container->children()) {
-            if (name == "RTU") {
-                carryOn.run([&] { readRtuValue(*element); });
-            } else if (name == "CONFIG") {
-                carryOn.run([&] { readConfigValue(*element); });
+    for (const auto& container : carryOn.valueOf([&] { return cpu.children(); })) {
+        for (const auto& element : carryOn.valueOf([&] { return container->children(); })) {
+            if (carryOn.test([&] { return container->name() == "RTU"; })) {
+                readRtuValue(carryOn, *element);
+            } else if (carryOn.test([&] { return container->name() == "CONFIG"; })) {
+                readConfigValue(carryOn, *element);
             }
         }
     }
 }
 
-void QuillportControl::readRtuValue(const XmlElement& element) {
-    const std::string name = element.name();
-    if (name == "NAME") {
-        panel_.setText(ControlId::lblRtuName, element.text());
-        rtuNameCompact = text::replace(element.text(), " ", "");
-    } else if (name == "PARTNO") {
-        panel_.setText(ControlId::lblPn, element.text());
-    } else if (name == "RUNMODE") {
-        rtuRunMode = element.text();
+void QuillportControl::readRtuValue(CarryOn& carryOn, const XmlElement& element) {
+    const auto is = [&](std::string_view name) {
+        return carryOn.test([&] { return element.name() == name; });
+    };
+    if (is("NAME")) {
+        carryOn.run([&] { panel_.setText(ControlId::lblRtuName, element.text()); });
+        carryOn.run([&] { rtuNameCompact = text::replace(element.text(), " ", ""); });
+    } else if (is("APPFILE")) {
+        // Known and left alone: the panel's application name comes from the folder listing.
+    } else if (is("PARTNO")) {
+        carryOn.run([&] { panel_.setText(ControlId::lblPn, element.text()); });
+    } else if (is("RUNMODE")) {
+        carryOn.run([&] { rtuRunMode = element.text(); });
         panel_.setText(ControlId::lblRunMode, text::upper(rtuRunMode) == "SAFE" ? "Safe Mode" : "");
-    } else if (name == "TYPE") {
-        rtuTypeName = text::replace(element.text(), " ", "");
+    } else if (is("TYPE")) {
+        carryOn.run([&] { rtuTypeName = text::replace(element.text(), " ", ""); });
         rtuTypeName = rtuTypeName == "7260" ? "BRELOC IV" : "OSKA" + rtuTypeName;
     }
-    // APPFILE is known and left alone: the panel's application name comes from the folder listing.
 }
 
-void QuillportControl::readConfigValue(const XmlElement& element) {
-    const std::string name = element.name();
-    if (name == "NAME") {
-        panel_.setText(ControlId::lblCfgName, element.text());
-    } else if (name == "LASTDATE") {
-        panel_.setText(ControlId::lblCfgDate, element.text());
+void QuillportControl::readConfigValue(CarryOn& carryOn, const XmlElement& element) {
+    const auto is = [&](std::string_view name) {
+        return carryOn.test([&] { return element.name() == name; });
+    };
+    if (is("NAME")) {
+        carryOn.run([&] { panel_.setText(ControlId::lblCfgName, element.text()); });
+    } else if (is("LASTDATE")) {
+        carryOn.run([&] { panel_.setText(ControlId::lblCfgDate, element.text()); });
     }
 }
 

@@ -20,6 +20,8 @@ bool QuillportControl::CheckSrcConfig(const std::string& srcFolder, std::string&
         return false;
     }
     const std::string guiKey = guiVersionKey();
+    // One value for the whole walk: an attribute that cannot be read leaves the one read before.
+    std::optional<std::string> verValue;
     for (const std::string& fileName :
          carryOn.valueOf([&] { return files_.search(srcFolder + "*.*", file_attribute::normal); })) {
         carryOn.run([&] { xmlDoc->load(srcFolder + fileName); });
@@ -31,8 +33,7 @@ bool QuillportControl::CheckSrcConfig(const std::string& srcFolder, std::string&
             // The first unreadable file ends the walk.
             return false;
         }
-        const std::optional<std::string> verValue =
-            carryOn.valueOf([&] { return rootElement->attribute("VER"); });
+        carryOn.assign(verValue, [&] { return rootElement->attribute("VER"); });
         if (!verValue || verValue->empty() || *verValue != guiKey) {
             invalidList += fileName + " - Invalid version : " + verValue.value_or("") + "\r\n";
             versionFailed = true;

@@ -22,10 +22,16 @@ void QuillportControl::VerifyXfer() {
     }
 }
 
+void QuillportControl::showVerifying(CarryOn& carryOn, const std::string& path) {
+    carryOn.run(
+        [&] { panel_.setText(ControlId::txtResult, "Verifying " + paths::fileName(path) + "..."); });
+    carryOn.run([&] { host_.yieldToEvents(); });
+}
+
 void QuillportControl::verifyReceived(CarryOn& carryOn, const cXferFileInfo& record) {
-    panel_.setText(ControlId::txtResult, "Verifying " + paths::fileName(record.sDstFileName) + "...");
-    host_.yieldToEvents();
-    if (carryOn.test([&] { return files_.fileExists(record.sDstFileName); }) &&
+    showVerifying(carryOn, record.sDstFileName);
+    // A look for the file that fails counts as one that found none.
+    if (!carryOn.test([&] { return !files_.fileExists(record.sDstFileName); }) &&
         carryOn.test([&] { return files_.fileLength(record.sDstFileName) == record.size; })) {
         return;
     }
@@ -37,8 +43,7 @@ void QuillportControl::verifyReceived(CarryOn& carryOn, const cXferFileInfo& rec
 }
 
 void QuillportControl::verifySent(CarryOn& carryOn, const cXferFileInfo& record) {
-    panel_.setText(ControlId::txtResult, "Verifying " + paths::fileName(record.sSrcFileName) + "...");
-    host_.yieldToEvents();
+    showVerifying(carryOn, record.sSrcFileName);
     const auto items = listedForVerification(carryOn, record);
     if (!items) {
         // Comes up once more at the end of the walk, for as long as the RTU does not answer.
