@@ -23,8 +23,7 @@ void QuillportControl::VerifyXfer() {
 }
 
 void QuillportControl::showVerifying(CarryOn& carryOn, const std::string& path) {
-    carryOn.run(
-        [&] { panel_.setText(ControlId::txtResult, "Verifying " + paths::fileName(path) + "..."); });
+    carryOn.run([&] { panel_.setText(ControlId::txtResult, "Verifying " + paths::fileName(path) + "..."); });
     carryOn.run([&] { host_.yieldToEvents(); });
 }
 
