@@ -214,7 +214,7 @@ private:
 
     [[nodiscard]] std::unique_ptr<XmlDocument> loadedFromRtu(CarryOn& carryOn, const std::string& folder,
                                                              const std::string& fileName);
-    void readGuiValue(const XmlElement& element);
+    void readGuiValue(CarryOn& carryOn, const XmlElement& element);
     void readCpu(CarryOn& carryOn, const XmlElement& cpu);
     void readRtuValue(CarryOn& carryOn, const XmlElement& element);
     void readConfigValue(CarryOn& carryOn, const XmlElement& element);

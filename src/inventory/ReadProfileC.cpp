@@ -12,27 +12,29 @@ void QuillportControl::ReadProfileC() {
         panel_.setText(ControlId::lblGuiName, "ProfileC.xml not found");
         return;
     }
-    carryOn.run([&] {
-        const std::unique_ptr<XmlElement> root = object(xmlDoc).documentElement();
-        for (const auto& container : object(root).children()) {
-            if (container->name() != "GUI") {
-                continue;
-            }
-            for (const auto& element : container->children()) {
-                carryOn.run([&] { readGuiValue(*element); });
+    const auto root = carryOn.valueOf([&] { return object(xmlDoc).documentElement(); });
+    for (const auto& container : carryOn.valueOf([&] { return object(root).children(); })) {
+        const std::string name = carryOn.valueOf([&] { return container->name(); });
+        for (const auto& element : carryOn.valueOf([&] { return container->children(); })) {
+            if (name == "GUI") {
+                readGuiValue(carryOn, *element);
             }
         }
-    });
+    }
 }
 
-void QuillportControl::readGuiValue(const XmlElement& element) {
-    const std::string name = element.name();
-    if (name == "NAME") {
-        panel_.setText(ControlId::lblGuiName, element.text());
-    } else if (name == "VERSION") {
-        panel_.setText(ControlId::lblGuiName, textOf(ControlId::lblGuiName) + " Ver " + element.text());
-    } else if (name == "LASTDATE") {
-        panel_.setText(ControlId::lblGuiDate, element.text());
+void QuillportControl::readGuiValue(CarryOn& carryOn, const XmlElement& element) {
+    const auto is = [&](std::string_view name) {
+        return carryOn.test([&] { return element.name() == name; });
+    };
+    if (is("NAME")) {
+        carryOn.run([&] { panel_.setText(ControlId::lblGuiName, element.text()); });
+    } else if (is("VERSION")) {
+        carryOn.run([&] {
+            panel_.setText(ControlId::lblGuiName, textOf(ControlId::lblGuiName) + " Ver " + element.text());
+        });
+    } else if (is("LASTDATE")) {
+        carryOn.run([&] { panel_.setText(ControlId::lblGuiDate, element.text()); });
     }
 }
 
