@@ -21,6 +21,7 @@ esac
 title() { printf '\n== %s (%s s)\n' "$1" "$SECONDS"; }
 
 scripts/setup.sh
+scripts/fetch_test_server.sh
 
 build_and_test() {
   title "build: $1"

@@ -9,10 +9,11 @@ set -euo pipefail
 run_packages=(
   g++ cmake ninja-build pkg-config ccache
   libcurl4-openssl-dev libxml2-dev libcli11-dev nlohmann-json3-dev
+  qt6-base-dev libgl-dev fonts-liberation fonts-dejavu-core
   python3 python3-pyftpdlib
 )
 test_packages=(
-  libgtest-dev libbenchmark-dev clang-format clang-tidy libxml2-utils
+  libgtest-dev libbenchmark-dev clang-format clang-tidy libxml2-utils libwrap0
 )
 
 packages=("${run_packages[@]}")

@@ -57,11 +57,9 @@ XmlProblem LibXmlDocument::parsed(const std::string& bytes, DocumentOrigin& orig
     ExternalGate gate(origin, resolveExternals_ ? Externals::fetched : Externals::ignored);
     ParseScope scope(gate);
     Tree tree = parse(scope, bytes, origin.baseUrl());
-    // A parser that was stopped may still call what it has read well-formed.
-    const bool wellFormed = tree != nullptr && parser_->nsWellFormed == 1 && parser_->disableSAX == 0;
-    const bool valid =
-        wellFormed &&
-        (!validateOnParse_ || (validation::validByDtd(tree.get()) && validation::validBySchema(tree.get())));
+    // A parser that was stopped may call well-formed what it has read so far.
+    const bool wellFormed = tree != nullptr && parser_->nsWellFormed == 1 && !scope.hasFailed();
+    const bool valid = wellFormed && (!validateOnParse_ || isValid(tree.get()));
     gate.rethrow();
     if (!gate.problem().empty()) {
         return {documentRefused, gate.problem()};
@@ -72,6 +70,10 @@ XmlProblem LibXmlDocument::parsed(const std::string& bytes, DocumentOrigin& orig
     }
     tree_ = std::move(tree);
     return {};
+}
+
+bool LibXmlDocument::isValid(xmlDoc* tree) const {
+    return validation::validByDtd(tree) && (!resolveExternals_ || validation::validBySchema(tree));
 }
 
 LibXmlDocument::Tree LibXmlDocument::parse(ParseScope& scope, const std::string& bytes,

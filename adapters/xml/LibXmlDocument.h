@@ -42,6 +42,7 @@ private:
 
     [[nodiscard]] XmlProblem loaded(const std::string& urlOrPath);
     [[nodiscard]] XmlProblem parsed(const std::string& bytes, DocumentOrigin& origin);
+    [[nodiscard]] bool isValid(xmlDoc* tree) const;
     [[nodiscard]] Tree parse(ParseScope& scope, const std::string& bytes, const std::string& baseUrl);
     void refreshParser();
 

@@ -32,6 +32,9 @@ public:
 
     [[nodiscard]] const XmlProblem& problem() const { return problem_; }
 
+    /// Whether the load cannot be saved any more: by a fatal error, or for a reason of ours.
+    [[nodiscard]] bool hasFailed() const { return fatal_; }
+
     /// An external, through the gate. The wait for it is not counted as the parser's time.
     [[nodiscard]] std::optional<std::string> fetch(const std::string& url);
 
@@ -50,6 +53,7 @@ private:
     XmlProblem problem_;
     bool fatal_ = false;
     Clock::time_point deadline_;
+    unsigned calls_ = 0;
     ParseScope* former_;
     xmlStructuredErrorFunc formerHandler_;
     void* formerContext_;

@@ -36,6 +36,13 @@ bool declaresAnything(const xmlDtd* subset) {
                                  subset->entities != nullptr || subset->notations != nullptr);
 }
 
+/// Whether the document names an external DTD that was not fetched. One that could not be had has failed the
+/// load already.
+bool isMissingDeclarations(const xmlDoc* document) {
+    return document->intSubset != nullptr && document->intSubset->SystemID != nullptr &&
+           document->extSubset == nullptr;
+}
+
 /// A schema that the document names: for the elements of a namespace, or of none when it is empty.
 struct Hint {
     std::string nameSpace;
@@ -85,7 +92,8 @@ Document drivingSchema(const std::vector<Hint>& hints) {
 } // namespace
 
 bool validByDtd(xmlDoc* document) {
-    if (!declaresAnything(document->intSubset) && !declaresAnything(document->extSubset)) {
+    if (isMissingDeclarations(document) ||
+        (!declaresAnything(document->intSubset) && !declaresAnything(document->extSubset))) {
         return true;
     }
     const DtdValidator validator(xmlNewValidCtxt());

@@ -6,7 +6,8 @@
 /// schema names in turn comes through its gate.
 namespace quillport::validation {
 
-/// True as well for a document without declarations to be valid by.
+/// True as well for a document without declarations to be valid by, and for one whose external declarations
+/// were not fetched.
 [[nodiscard]] bool validByDtd(xmlDoc* document);
 
 /// By the schemas that the root element names in xsi:schemaLocation and xsi:noNamespaceSchemaLocation. True
