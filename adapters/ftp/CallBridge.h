@@ -22,8 +22,9 @@ enum class CallKind { plain, transfer };
 /// Runs the work of one call on a worker thread while the caller's thread serves the program's events and
 /// delivers the client's, one at a time and in their order.
 ///
-/// The worker's side says events with tell() and ask() and looks for stops with throwIfStopped(). An exception
-/// that leaves a handler or the pump stops the worker and leaves run(), once the worker has cleaned up.
+/// The worker's side says events with tell() and ask() and looks for stops with throwIfStopped(). An
+/// exception that leaves a handler or the pump stops the worker and leaves run(), once the worker has cleaned
+/// up.
 class CallBridge {
 public:
     using Event = std::function<void(FtpEvents&)>;

@@ -24,9 +24,9 @@ ControlLink::ControlLink(const Wire& wire, const LinkTarget& target, std::string
 }
 
 void ControlLink::greet() {
-    Reply reply = awaitReply();
+    Reply reply = awaitReply(wire_.patience());
     while (reply.isPreliminary()) {
-        reply = awaitReply();
+        reply = awaitReply(wire_.patience());
     }
     if (!reply.isSuccess()) {
         refuse(reply, Purpose::login);
@@ -34,6 +34,22 @@ void ControlLink::greet() {
 }
 
 Reply ControlLink::exchange(const std::string& command) {
+    sendCommand(command);
+    return awaitReply(wire_.patience());
+}
+
+void ControlLink::quit() {
+    // A server that has not answered by then frees the login when it finds the connection closed.
+    constexpr std::chrono::seconds longestFarewell{2};
+    try {
+        sendCommand("QUIT");
+        awaitReply(Patience(longestFarewell));
+    } catch (const Failure&) {
+        // It is gone already, which is what we wanted.
+    }
+}
+
+void ControlLink::sendCommand(const std::string& command) {
     if (!standsIdle()) {
         throw LinkFell();
     }
@@ -42,7 +58,6 @@ Reply ControlLink::exchange(const std::string& command) {
     wire_.bridge().tell([told](FtpEvents& events) { events.OnFtpCommandSent(told, 0); });
     awaitsReply_ = true;
     send(command + "\r\n");
-    return awaitReply();
 }
 
 void ControlLink::send(std::string_view bytes) {
@@ -60,9 +75,7 @@ void ControlLink::send(std::string_view bytes) {
     }
 }
 
-Reply ControlLink::awaitReply() {
-    // One reply has one measure of patience, however slowly its bytes drip.
-    const Patience patience = wire_.patience();
+Reply ControlLink::awaitReply(const Patience& patience) {
     for (;;) {
         if (auto reply = replyThatCame()) {
             return *std::move(reply);

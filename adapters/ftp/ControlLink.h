@@ -26,8 +26,11 @@ public:
     /// Sends a command and returns the first reply to it, be it preliminary or final. Raises LinkFell,
     /// `silent`, or `unexpectedAnswer` for what is no reply.
     Reply exchange(const std::string& command);
-    /// Waits for one more reply, after a preliminary one.
-    Reply awaitReply();
+    /// Waits for one more reply, after a preliminary one. One reply has one measure of patience, however
+    /// slowly its bytes drip.
+    Reply awaitReply(const Patience& patience);
+    /// Takes leave of the server, which frees the login there, but does not wait for it for long.
+    void quit();
     /// A reply that has come meanwhile, without waiting for it.
     std::optional<Reply> replyThatCame();
 
@@ -47,6 +50,7 @@ public:
 
 private:
     void greet();
+    void sendCommand(const std::string& command);
     void send(std::string_view bytes);
     bool receiveMore();
     Reply checked(Reply reply);

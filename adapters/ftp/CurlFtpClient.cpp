@@ -36,7 +36,8 @@ ftpFolderItem itemOf(const RemoteEntry& entry) {
 void tellItems(ftp::CallBridge& bridge, const std::vector<RemoteEntry>& entries) {
     for (std::size_t start = 0; start < entries.size(); start += entriesAtOnce) {
         const auto first = entries.begin() + static_cast<std::ptrdiff_t>(start);
-        const auto last = first + static_cast<std::ptrdiff_t>(std::min(entriesAtOnce, entries.size() - start));
+        const auto last =
+            first + static_cast<std::ptrdiff_t>(std::min(entriesAtOnce, entries.size() - start));
         bridge.ask([&](FtpEvents& events) {
             std::for_each(first, last, [&](const RemoteEntry& entry) {
                 events.OnFtpListItem(entry.name, entry.date, ftp::controlSize(entry.size),
@@ -97,7 +98,7 @@ private:
     ftp::FtpSession session_;
 };
 
-CurlFtpClient::CurlFtpClient(EventPump& pump, CurlFtpOptions options)
+CurlFtpClient::CurlFtpClient(EventPump& pump, const CurlFtpOptions& options)
     : machinery_(std::make_unique<Machinery>(pump, options)) {}
 
 CurlFtpClient::~CurlFtpClient() = default;
@@ -215,8 +216,8 @@ void CurlFtpClient::ftpReceiveFiles(const std::string& remoteSpec, const std::st
     });
 }
 
-void CurlFtpClient::ftpSendFile(const std::string& localPath, std::int32_t offset, const std::string& remoteName,
-                                bool /*flag*/) {
+void CurlFtpClient::ftpSendFile(const std::string& localPath, std::int32_t offset,
+                                const std::string& remoteName, bool /*flag*/) {
     machinery_->call(events_, CallKind::transfer, [&] {
         requireNoOffset(offset);
         ftp::sendFile(machinery_->session(), localPath, remoteName);

@@ -12,14 +12,18 @@ namespace quillport {
 
 /// The FTP client over connections that libcurl makes.
 ///
+/// libcurl resolves names, connects, moves bytes and waits; the commands are our own. libcurl's own FTP waits
+/// for the last reply of a transfer where nothing can stop it, loses the reason that a server gives for
+/// refusing a file half way, and meets a link that fell while idle only by failing on it.
+///
 /// Each call runs on a worker thread of its own while the caller's thread serves the pump and delivers the
-/// events. All members belong to one thread; while a call runs, handlers and served clicks may use the members
-/// that may be used at any time, and every other call raises "busy". A ProgramStop that leaves the pump or a
-/// handler ends the call at once.
+/// events. All members belong to one thread; while a call runs, handlers and served clicks may use the
+/// members that may be used at any time, and every other call raises "busy". A ProgramStop that leaves the
+/// pump or a handler ends the call at once.
 class CurlFtpClient : public FtpClient {
 public:
     /// The pump outlives the client. Raises a Failure when libcurl cannot be started.
-    explicit CurlFtpClient(EventPump& pump, CurlFtpOptions options = {});
+    explicit CurlFtpClient(EventPump& pump, const CurlFtpOptions& options = {});
     ~CurlFtpClient() override;
 
     void setEvents(FtpEvents* events) override;
@@ -38,10 +42,13 @@ public:
     void ftpDeleteFile(const std::string& remotePath) override;
     void ftpRenameFile(const std::string& oldPath, const std::string& newPath) override;
     void ftpRemoveFolder(const std::string& remoteFolder) override;
-    std::shared_ptr<const ftpFolderItems> ftpGetFolderItems(const std::string& spec, std::int32_t flag) override;
+    std::shared_ptr<const ftpFolderItems> ftpGetFolderItems(const std::string& spec,
+                                                            std::int32_t flag) override;
     void ftpListFolder(const std::string& spec) override;
-    void ftpReceiveFile(const std::string& remotePath, std::int32_t offset, const std::string& localPath) override;
-    void ftpReceiveFiles(const std::string& remoteSpec, const std::string& localFolder, bool recurse) override;
+    void ftpReceiveFile(const std::string& remotePath, std::int32_t offset,
+                        const std::string& localPath) override;
+    void ftpReceiveFiles(const std::string& remoteSpec, const std::string& localFolder,
+                         bool recurse) override;
     void ftpSendFile(const std::string& localPath, std::int32_t offset, const std::string& remoteName,
                      bool flag) override;
     void ftpSendFiles(const std::string& localSpec, const std::string& remoteFolder, bool flag,

@@ -42,8 +42,9 @@ CurlNet::CurlNet() {
 }
 
 void CurlNet::wait(std::span<curl_waitfd> sockets, std::chrono::milliseconds atMost) {
-    const CURLMcode code = curl_multi_poll(multi_.get(), sockets.data(), static_cast<unsigned>(sockets.size()),
-                                           static_cast<int>(atMost.count()), nullptr);
+    const CURLMcode code =
+        curl_multi_poll(multi_.get(), sockets.data(), static_cast<unsigned>(sockets.size()),
+                        static_cast<int>(atMost.count()), nullptr);
     if (code != CURLM_OK) {
         throw failure(ftp_failure::internalError, curl_multi_strerror(code));
     }

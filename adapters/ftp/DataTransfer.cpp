@@ -4,6 +4,7 @@
 #include "ftp/remote_paths.h"
 
 #include <array>
+#include <chrono>
 #include <span>
 #include <vector>
 
@@ -12,7 +13,7 @@ namespace quillport::ftp {
 namespace {
 
 /// Large enough that the cost of a turn does not count, small enough that a stop is seen at once.
-constexpr std::size_t blockBytes = 64U * 1024U;
+constexpr std::size_t blockBytes = std::size_t{64} * 1024;
 
 } // namespace
 
@@ -71,16 +72,21 @@ void DataTransfer::receive(const std::string& command, Purpose purpose, const Si
             waitForData(data_->whenReadable(), patience);
         }
     }
-    end(purpose);
+    end(purpose, session_.wire().patience());
 }
 
 void DataTransfer::send(const std::string& command, const Source& source, const Gone& gone) {
     begin(command, Purpose::store);
+    const auto start = std::chrono::steady_clock::now();
     Patience patience = session_.wire().patience();
     for (std::string_view block = source(); !block.empty(); block = source()) {
         sendBlock(block, gone, patience);
     }
-    end(Purpose::store);
+    // What we have sent may still lie in this machine's buffers. They grow with what has got through, so the
+    // rest needs no more than a small multiple of the time that has gone by.
+    constexpr int buffersToMoved = 3;
+    const auto sending = std::chrono::steady_clock::now() - start;
+    end(Purpose::store, session_.wire().patience(buffersToMoved * sending));
 }
 
 void DataTransfer::sendBlock(std::string_view block, const Gone& gone, Patience& patience) {
@@ -124,7 +130,7 @@ void DataTransfer::waitForData(const curl_waitfd& data, const Patience& patience
 /// The server has closed the data connection while we were sending: its reply says why.
 void DataTransfer::raiseReasonOfBreak() {
     data_.reset();
-    const Reply reply = finalReply_ ? *finalReply_ : session_.link().awaitReply();
+    const Reply reply = finalReply_ ? *finalReply_ : session_.link().awaitReply(session_.wire().patience());
     if (reply.isSuccess()) {
         throw failure(ftp_failure::transferEndedByServer, session_.link().shown(reply.words));
     }
@@ -132,10 +138,10 @@ void DataTransfer::raiseReasonOfBreak() {
 }
 
 /// Closing our side is how the server learns that a file it stores has ended.
-void DataTransfer::end(Purpose purpose) {
+void DataTransfer::end(Purpose purpose, const Patience& patience) {
     data_.reset();
     while (!finalReply_) {
-        Reply reply = session_.link().awaitReply();
+        Reply reply = session_.link().awaitReply(patience);
         if (!reply.isPreliminary()) {
             finalReply_ = std::move(reply);
         }

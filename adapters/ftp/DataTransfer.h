@@ -43,7 +43,7 @@ private:
     void noteReply(Purpose purpose);
     void waitForData(const curl_waitfd& data, const Patience& patience);
     void raiseReasonOfBreak();
-    void end(Purpose purpose);
+    void end(Purpose purpose, const Patience& patience);
 
     FtpSession& session_;
     std::optional<CurlLink> data_;

@@ -3,6 +3,8 @@
 #include "ftp/remote_paths.h"
 #include "ftp/wire_text.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace quillport::ftp {
@@ -13,6 +15,15 @@ constexpr int ftpPort = 21;
 
 /// RTUs take few logins at once and free them late: reconnect gently.
 constexpr std::chrono::seconds betweenLogins{1};
+
+/// Long enough for a verification to go through a folder, short enough that nobody is told of another time.
+constexpr std::chrono::seconds listingStandsFor{2};
+
+bool changesTheServer(std::string_view command) {
+    constexpr std::string_view verbs[] = {"STOR ", "DELE ", "RMD ", "MKD ", "RNTO "};
+    return std::any_of(std::begin(verbs), std::end(verbs),
+                       [&](std::string_view verb) { return command.starts_with(verb); });
+}
 
 } // namespace
 
@@ -84,18 +95,15 @@ void FtpSession::logIn(const Login& login) {
 void FtpSession::logOut() {
     login_.reset();
     setStands(false);
-    if (link_ && link_->standsIdle()) {
-        try {
-            command("QUIT"); // its answer says that the RTU has one more login to give
-        } catch (const Failure&) {
-            // The server is gone already, which is what we wanted.
-        }
+    if (link_) {
+        link_->quit();
     }
     link_.reset();
 }
 
 void FtpSession::open(const Login& login) {
     link_.reset();
+    remembered_.reset();
     serverFolder_.clear();
     binary_ = false;
     nextLogin_ = std::chrono::steady_clock::now() + betweenLogins;
@@ -173,6 +181,9 @@ void FtpSession::recover(const LinkFell& reason) {
 // Commands
 
 Reply FtpSession::command(const std::string& line) {
+    if (changesTheServer(line)) {
+        remembered_.reset();
+    }
     Reply reply = link_->exchange(line);
     if (reply.code == 421) {
         link_->refuse(reply, Purpose::change);
@@ -204,6 +215,18 @@ void FtpSession::useBinaryType() {
         commandThatSucceeds("TYPE I", Purpose::change);
         binary_ = true;
     }
+}
+
+// Listings
+
+void FtpSession::remember(const std::string& folder, RemoteFolder contents) {
+    remembered_ = Remembered{folder, std::move(contents), std::chrono::steady_clock::now()};
+}
+
+const RemoteFolder* FtpSession::remembered(const std::string& folder) const {
+    const bool stands = remembered_ && remembered_->folder == folder &&
+                        std::chrono::steady_clock::now() - remembered_->since < listingStandsFor;
+    return stands ? &remembered_->contents : nullptr;
 }
 
 // Names

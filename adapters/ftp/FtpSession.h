@@ -2,6 +2,7 @@
 
 #include "ftp/ControlLink.h"
 #include "ftp/CurlFtpOptions.h"
+#include "ftp/RemoteFolder.h"
 #include "ftp/Wire.h"
 
 #include <chrono>
@@ -70,7 +71,9 @@ public:
     [[nodiscard]] const Wire& wire() const { return wire_; }
     [[nodiscard]] const CurlFtpOptions& options() const { return options_; }
     /// Whether to list with MLSD: it is wanted, and the server has not refused it.
-    [[nodiscard]] bool usesModernListings() const { return options_.useModernListings && !refusesModernListings_; }
+    [[nodiscard]] bool usesModernListings() const {
+        return options_.useModernListings && !refusesModernListings_;
+    }
     void noteModernListingsRefused() { refusesModernListings_ = true; }
 
     /// Remembers the bytes of a name that was listed, where they are not its text.
@@ -78,7 +81,19 @@ public:
     /// A path as it goes over the wire: names that were listed go back as the same bytes, all else as UTF-8.
     [[nodiscard]] std::string onWire(const std::string& path) const;
 
+    /// Keeps a listing for questions about single names that follow at once, as a verification asks them.
+    void remember(const std::string& folder, RemoteFolder contents);
+    /// The listing of a folder that was kept, while it may stand for a new one: it is fresh, and we have
+    /// changed nothing on the server since. Null without one.
+    [[nodiscard]] const RemoteFolder* remembered(const std::string& folder) const;
+
 private:
+    struct Remembered {
+        std::string folder;
+        RemoteFolder contents;
+        std::chrono::steady_clock::time_point since;
+    };
+
     void open(const Login& login);
     void authenticate(const Login& login);
     void takeFolderOfLogin();
@@ -92,10 +107,12 @@ private:
     std::string serverFolder_; ///< where the server is; empty when we do not know
     bool binary_ = false;
     bool refusesModernListings_ = false;
-    bool recovered_ = false;   ///< in this call
-    std::size_t answers_ = 0;  ///< in this call
+    bool recovered_ = false;  ///< in this call
+    std::size_t answers_ = 0; ///< in this call
     std::chrono::steady_clock::time_point nextLogin_;
     std::unordered_map<std::string, std::string> bytesOfPath_; ///< bytes of the last component, by path
+
+    std::optional<Remembered> remembered_;
 
     mutable std::mutex mutex_; ///< guards what any thread may read
     std::string currentFolder_ = "/";

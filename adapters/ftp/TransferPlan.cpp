@@ -155,14 +155,6 @@ Failure localReadFailure(const std::string& path, const std::error_code& error) 
     return failure(ftp_failure::localFileNotReadable, error ? path + ": " + error.message() : path);
 }
 
-fs::path nativeOf(const std::string& path) {
-    try {
-        return nativePath(path);
-    } catch (const Failure& problem) {
-        throw failure(ftp_failure::localFileNotReadable, problem.description());
-    }
-}
-
 /// The entries of a local folder that masks do not pass over, by name, so that every run has one order.
 std::vector<fs::path> visibleEntries(const fs::path& folder, const std::string& shown) {
     std::vector<fs::path> entries;
@@ -185,7 +177,8 @@ public:
     SendPlanning(FtpSession& session, std::string mask, Recurse recurse)
         : session_(session), mask_(std::move(mask)), recurse_(recurse) {}
 
-    void walk(const fs::path& folder, const std::string& shown, const std::string& remoteFolder, int level = 1) {
+    void walk(const fs::path& folder, const std::string& shown, const std::string& remoteFolder,
+              int level = 1) {
         limit_.enterLevel(level);
         tellScanning(session_, shown);
         session_.wire().bridge().throwIfStopped();
@@ -238,7 +231,7 @@ private:
 /// A local spec without a mask: one file, or a folder with all below it when recursing.
 std::vector<SendStage> planSendOfName(FtpSession& session, const std::string& localSpec,
                                       const std::string& remoteFolder, Recurse recurse) {
-    const fs::path path = nativeOf(localSpec);
+    const fs::path path = machinePath(localSpec, ftp_failure::localFileNotReadable);
     const std::string name = path.filename().string();
     std::error_code error;
     if (recurse == Recurse::yes && fs::is_directory(path, error)) {
@@ -273,7 +266,7 @@ std::vector<SendStage> planSend(FtpSession& session, const std::string& localSpe
         return planSendOfName(session, localSpec, remoteFolder, recurse);
     }
     const std::string folder = localSpec.substr(0, localSpec.size() - last.size());
-    const fs::path path = nativeOf(folder);
+    const fs::path path = machinePath(folder, ftp_failure::localFileNotReadable);
     std::error_code error;
     if (!fs::is_directory(path, error)) {
         throw localReadFailure(folder + " is no folder", {});

@@ -37,7 +37,10 @@ public:
 
     [[nodiscard]] CurlNet& net() const { return net_; }
     [[nodiscard]] CallBridge& bridge() const { return bridge_; }
-    [[nodiscard]] Patience patience() const { return Patience(silence_); }
+    /// The client's patience, or more of it where there is a reason.
+    [[nodiscard]] Patience patience(std::chrono::nanoseconds more = {}) const {
+        return Patience(silence_ + std::chrono::ceil<std::chrono::milliseconds>(more));
+    }
 
     /// Returns when one of the sockets may be ready. Raises `silent` when the patience is exhausted, and what
     /// throwIfStopped() raises.

@@ -58,11 +58,12 @@ bool speakOf(std::string_view words, const std::array<std::string_view, count>& 
 constexpr std::array<std::string_view, 11> refusalPhrases = {
     "permission", "denied", "not permitted", "not allowed", "forbidden", "read-only",
     "read only",  "in use", "busy",          "exists",      "not empty"};
-constexpr std::array<std::string_view, 8> absencePhrases = {
-    "no such", "not found", "not exist", "non existent", "nonexistent", "non-existent", "cannot find", "can't find"};
+constexpr std::array<std::string_view, 8> absencePhrases = {"no such",      "not found",   "not exist",
+                                                            "non existent", "nonexistent", "non-existent",
+                                                            "cannot find",  "can't find"};
 
-/// A 550 without telling words most likely means that what was asked for is not there; what was to be
-/// stored cannot be missing, so there it means a refusal.
+/// A 550 without telling words most likely means that what was asked for is not there, and a refusal where
+/// nothing was asked for that could be missing.
 std::int32_t numberForUnavailable(std::string_view words, Purpose purpose) {
     if (purpose == Purpose::login) {
         return ftp_failure::loginRefused;
@@ -70,15 +71,17 @@ std::int32_t numberForUnavailable(std::string_view words, Purpose purpose) {
     if (speakOf(words, absencePhrases)) {
         return ftp_failure::noSuchRemoteName;
     }
-    const bool refused = purpose == Purpose::store || speakOf(words, refusalPhrases);
-    return refused ? ftp_failure::accessRefused : ftp_failure::noSuchRemoteName;
+    const bool asksForSomething = purpose == Purpose::find || purpose == Purpose::fetch;
+    return asksForSomething && !speakOf(words, refusalPhrases) ? ftp_failure::noSuchRemoteName
+                                                               : ftp_failure::accessRefused;
 }
 
 } // namespace
 
 std::string failureText(std::int32_t number) {
-    const auto* const row = std::find_if(std::begin(table), std::end(table),
-                                         [&](const TableRow& candidate) { return candidate.number == number; });
+    const auto* const row = std::find_if(std::begin(table), std::end(table), [&](const TableRow& candidate) {
+        return candidate.number == number;
+    });
     if (row != std::end(table)) {
         return std::string(row->text);
     }

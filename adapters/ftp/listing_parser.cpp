@@ -286,7 +286,8 @@ std::optional<EntryKind> kindOfMode(char c) {
 /// Ten characters of a mode, perhaps with the mark of an access list, a context or extended attributes.
 bool isMode(std::string_view text) {
     constexpr std::size_t bare = 10;
-    const bool marked = text.size() == bare + 1 && std::string_view("+@.").find(text.back()) != std::string_view::npos;
+    const bool marked =
+        text.size() == bare + 1 && std::string_view("+@.").find(text.back()) != std::string_view::npos;
     return (text.size() == bare || marked) &&
            text.substr(1, bare - 1).find_first_not_of("rwxsStTlL-") == std::string_view::npos;
 }

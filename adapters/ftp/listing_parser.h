@@ -55,8 +55,8 @@ private:
     DateTime now_;
     EntryReceiver onEntry_;
     UnsafeNameReceiver onUnsafeName_;
-    std::string begun_;        ///< a line whose end has not come yet
-    bool skipsLine_ = false;   ///< within a line that is too long
+    std::string begun_;      ///< a line whose end has not come yet
+    bool skipsLine_ = false; ///< within a line that is too long
     bool saysFolderCannotBeOpened_ = false;
 };
 

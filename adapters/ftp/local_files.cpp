@@ -13,19 +13,10 @@ namespace fs = std::filesystem;
 
 namespace {
 
-constexpr std::size_t blockBytes = 64U * 1024U;
+constexpr std::size_t blockBytes = std::size_t{64} * 1024;
 
 std::string about(const std::string& path, const std::error_code& error) {
     return path + ": " + error.message();
-}
-
-/// This machine's path, with the client's own number for one that cannot be used.
-fs::path nativeOf(const std::string& path, std::int32_t number) {
-    try {
-        return nativePath(path);
-    } catch (const Failure& problem) {
-        throw failure(number, problem.description());
-    }
 }
 
 /// The name for the time until the file is whole: hidden, so that no mask and no listing shows it, and cut so
@@ -54,13 +45,21 @@ void requireReplaceable(const fs::path& target, const std::string& shown) {
 
 } // namespace
 
+fs::path machinePath(const std::string& path, std::int32_t number) {
+    try {
+        return nativePath(path);
+    } catch (const Failure& problem) {
+        throw failure(number, problem.description());
+    }
+}
+
 std::string localJoined(const std::string& folder, const std::string& name) {
     const bool separated = folder.empty() || folder.ends_with('\\') || folder.ends_with('/');
     return separated ? folder + name : folder + '\\' + name;
 }
 
 void makeLocalFolder(const std::string& folder) {
-    const fs::path path = nativeOf(folder, ftp_failure::localFileNotWritable);
+    const fs::path path = machinePath(folder, ftp_failure::localFileNotWritable);
     std::error_code error;
     fs::create_directories(path, error);
     if (error) {
@@ -78,11 +77,12 @@ ReceivedFile::ReceivedFile(const std::string& target) : target_(target) {
     if (target.find_first_of("\\/") != std::string::npos) {
         makeLocalFolder(paths::parentFolder(target) + '\\');
     }
-    targetPath_ = nativeOf(target, ftp_failure::localFileNotWritable);
+    targetPath_ = machinePath(target, ftp_failure::localFileNotWritable);
     requireReplaceable(targetPath_, target);
     temporaryPath_ = temporaryBeside(targetPath_);
     std::error_code error;
-    fs::remove(temporaryPath_, error); // left by a program that was killed, or laid there to lead us elsewhere
+    fs::remove(temporaryPath_,
+               error); // left by a program that was killed, or laid there to lead us elsewhere
     file_.rdbuf()->pubsetbuf(nullptr, 0); // bytes come in blocks; and so a failed write is seen at once
     errno = 0;
     file_.open(temporaryPath_, std::ios::binary | std::ios::trunc);
@@ -127,7 +127,8 @@ void ReceivedFile::takeTargetsPlace() {
 void ReceivedFile::raiseWriteFailure(int cause) const {
     const bool full = cause == ENOSPC || cause == EFBIG;
     const std::error_code error(cause == 0 ? EIO : cause, std::generic_category());
-    throw failure(full ? ftp_failure::localDiskFull : ftp_failure::localFileNotWritable, about(target_, error));
+    throw failure(full ? ftp_failure::localDiskFull : ftp_failure::localFileNotWritable,
+                  about(target_, error));
 }
 
 LocalFile localFileAt(const fs::path& path, const std::string& controlPath) {

@@ -10,6 +10,9 @@
 /// The local side of a transfer. Paths as text are the control's, with "\".
 namespace quillport::ftp {
 
+/// This machine's path for one of the control's. One that cannot be used raises this number of the client's.
+[[nodiscard]] std::filesystem::path machinePath(const std::string& path, std::int32_t number);
+
 /// The path of an entry of a local folder.
 [[nodiscard]] std::string localJoined(const std::string& folder, const std::string& name);
 

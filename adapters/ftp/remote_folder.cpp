@@ -15,8 +15,8 @@ namespace quillport::ftp {
 namespace {
 
 /// More than any RTU holds by far; a server that lists on without end is cut off here.
-constexpr std::size_t mostEntries = 1'000'000;
-constexpr std::size_t mostListingBytes = 256U * 1024U * 1024U;
+constexpr std::size_t mostEntries = 500'000;
+constexpr std::size_t mostListingBytes = std::size_t{64} * 1024 * 1024;
 
 /// Dates without a year are taken for the last ones passed. The RTU's clock and zone are not ours, so one
 /// up to a day ahead has passed as well.
@@ -30,7 +30,8 @@ class FolderReading {
 public:
     FolderReading(FtpSession& session, const std::string& path)
         : reader_(
-              latestPlausibleDate(), [&session, path, this](const ListingLine& line) { add(session, path, line); },
+              latestPlausibleDate(),
+              [&session, path, this](const ListingLine& line) { add(session, path, line); },
               [this](std::string_view name) { contents_.unsafeNames.push_back(presentable(name)); }) {}
 
     void take(std::string_view bytes) {
@@ -67,7 +68,8 @@ Failure listingFailure(const Failure& problem, Agreed agreed) {
     if (problem.number() != ftp_failure::noSuchRemoteName) {
         return problem;
     }
-    const auto number = agreed == Agreed::yes ? ftp_failure::transferEndedByServer : ftp_failure::accessRefused;
+    const auto number =
+        agreed == Agreed::yes ? ftp_failure::transferEndedByServer : ftp_failure::accessRefused;
     return {number, problem.description()};
 }
 
@@ -109,12 +111,14 @@ RemoteFolder listInFormThatServerKnows(FtpSession& session, const std::string& f
     return listWith(session, "LIST", folder);
 }
 
+std::optional<RemoteEntry> copyOf(const RemoteEntry* entry) {
+    return entry == nullptr ? std::nullopt : std::optional(*entry);
+}
+
 /// The entry at a path as its folder lists it; nothing when the entry or its folder is not there.
 std::optional<RemoteEntry> look(FtpSession& session, const std::string& path) {
     try {
-        const RemoteFolder folder = listFolder(session, folderOf(path));
-        const RemoteEntry* const entry = findEntry(folder, nameOf(path));
-        return entry == nullptr ? std::nullopt : std::optional(*entry);
+        return copyOf(findEntry(listFolder(session, folderOf(path)), nameOf(path)));
     } catch (const Failure& problem) {
         if (problem.number() == ftp_failure::noSuchRemoteName) {
             return std::nullopt;
@@ -193,13 +197,23 @@ std::vector<RemoteEntry> itemsOfDevice(FtpSession& session, const RemoteSpec& sp
     return entry == nullptr ? std::vector<RemoteEntry>() : itemsOfEntry(session, spec, *entry);
 }
 
+/// One listing answers for all names of its folder that are asked about at once.
+std::optional<RemoteEntry> entryInFreshListing(FtpSession& session, const RemoteSpec& spec) {
+    if (const RemoteFolder* const known = session.remembered(spec.folder)) {
+        return copyOf(findEntry(*known, spec.last));
+    }
+    RemoteFolder listed = listFolder(session, spec.folder);
+    const auto entry = copyOf(findEntry(listed, spec.last));
+    session.remember(spec.folder, std::move(listed));
+    return entry;
+}
+
 std::vector<RemoteEntry> itemsOfName(FtpSession& session, const RemoteSpec& spec) {
     if (spec.folder == "/") {
         return itemsOfDevice(session, spec);
     }
-    const RemoteFolder folder = listFolder(session, spec.folder);
-    const RemoteEntry* const entry = findEntry(folder, spec.last);
-    return entry == nullptr ? std::vector<RemoteEntry>() : itemsOfEntry(session, spec, *entry);
+    const std::optional<RemoteEntry> entry = entryInFreshListing(session, spec);
+    return entry ? itemsOfEntry(session, spec, *entry) : std::vector<RemoteEntry>();
 }
 
 } // namespace

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "ftp/FtpSession.h"
-#include "ftp/listing_parser.h"
+#include "ftp/RemoteFolder.h"
 
 #include <cstdint>
 #include <limits>
@@ -11,19 +11,6 @@
 
 /// What lies in a folder on the server, and changes to it.
 namespace quillport::ftp {
-
-struct RemoteEntry {
-    std::string name;
-    std::string linkTarget;
-    DateTime date{};
-    std::int64_t size = 0; ///< bytes
-    EntryKind kind = EntryKind::file;
-};
-
-struct RemoteFolder {
-    std::vector<RemoteEntry> entries;
-    std::vector<std::string> unsafeNames; ///< names that were left out, fit to be shown
-};
 
 /// Files beyond this cannot be transferred: the control counts bytes in 32 bits with a sign.
 inline constexpr std::int64_t largestFile = std::numeric_limits<std::int32_t>::max();

@@ -8,9 +8,9 @@ namespace quillport::ftp {
 
 /// What a remote spec means once the current folder is taken into account.
 struct RemoteSpec {
-    std::string folder;           ///< absolute, with no "/" at its end but that of the root
-    std::string last;             ///< the last component; empty when the spec names the folder itself
-    bool namesFolder = false;     ///< it ended in a separator, or was empty
+    std::string folder;       ///< absolute, with no "/" at its end but that of the root
+    std::string last;         ///< the last component; empty when the spec names the folder itself
+    bool namesFolder = false; ///< it ended in a separator, or was empty
 };
 
 /// Reads a spec: "/" and "\" both separate, one that does not begin with a separator is relative to the

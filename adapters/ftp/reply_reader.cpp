@@ -44,7 +44,8 @@ std::optional<Reply> ReplyReader::next() {
         if (first) {
             code = codeOf(line);
         }
-        const bool last = first ? code == 0 || !isContinued(line) : codeOf(line) == code && !isContinued(line);
+        const bool last =
+            first ? code == 0 || !isContinued(line) : codeOf(line) == code && !isContinued(line);
         if (last) {
             return take(start, code, line);
         }

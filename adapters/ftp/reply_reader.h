@@ -22,7 +22,7 @@ struct Reply {
 class ReplyReader {
 public:
     /// A reply beyond this is none that a server means well.
-    static constexpr std::size_t longestReply = 64U * 1024U;
+    static constexpr std::size_t longestReply = std::size_t{64} * 1024;
 
     void feed(std::string_view bytes) { received_.append(bytes); }
     /// The next whole reply, if it has come.

@@ -1,6 +1,5 @@
 #include "ftp/transfer_calls.h"
 
-#include "files/native_path.h"
 #include "ftp/DataTransfer.h"
 #include "ftp/TransferProgress.h"
 #include "ftp/ftp_failures.h"
@@ -22,7 +21,8 @@ enum class Decision { move, leaveOut };
 
 constexpr std::int32_t leftOutByHandler = 0;
 
-/// The time as the operator's clock tells it. For the caller's thread, which alone uses the C library's clock.
+/// The time as the operator's clock tells it. For the caller's thread, which alone uses the C library's
+/// clock.
 DateTime operatorsTime(std::filesystem::file_time_type moment) {
     using namespace std::chrono;
     const auto system = time_point_cast<seconds>(file_clock::to_sys(moment));
@@ -83,8 +83,8 @@ TransferProgress progressFor(FtpSession& session, const Stages& stages) {
 
 // Receiving
 
-void fetch(FtpSession& session, const std::string& folder, const RemoteEntry& file, const std::string& localPath,
-           TransferProgress& progress) {
+void fetch(FtpSession& session, const std::string& folder, const RemoteEntry& file,
+           const std::string& localPath, TransferProgress& progress) {
     ReceivedFile received(localPath);
     std::optional<DataTransfer> transfer;
     prepare(session, folder, transfer);
@@ -99,9 +99,8 @@ void fetch(FtpSession& session, const std::string& folder, const RemoteEntry& fi
 }
 
 Decision askBeforeReceiving(FtpSession& session, const RemoteEntry& file, std::string& localPath) {
-    session.wire().bridge().ask([&](FtpEvents& events) {
-        events.OnFtpReceiving(file.name, localPath, controlSize(file.size));
-    });
+    session.wire().bridge().ask(
+        [&](FtpEvents& events) { events.OnFtpReceiving(file.name, localPath, controlSize(file.size)); });
     return localPath.empty() ? Decision::leaveOut : Decision::move;
 }
 
@@ -158,7 +157,8 @@ RemoteEntry entryAt(FtpSession& session, const RemoteSpec& spec) {
 
 // Sending
 
-void store(FtpSession& session, const LocalFile& file, const std::string& remotePath, TransferProgress& progress) {
+void store(FtpSession& session, const LocalFile& file, const std::string& remotePath,
+           TransferProgress& progress) {
     SentFile sent(file);
     std::optional<DataTransfer> transfer;
     prepare(session, folderOf(remotePath), transfer);
@@ -174,9 +174,8 @@ void sendOne(FtpSession& session, const LocalFile& file, const std::string& remo
              TransferProgress& progress) {
     requireTransferable(file.size, file.controlPath);
     std::string target = remotePath;
-    session.wire().bridge().ask([&](FtpEvents& events) {
-        events.OnFtpSending(file.controlPath, target, controlSize(file.size));
-    });
+    session.wire().bridge().ask(
+        [&](FtpEvents& events) { events.OnFtpSending(file.controlPath, target, controlSize(file.size)); });
     if (target.empty()) {
         tellSkipped(session, file.controlPath, remotePath, leftOutByHandler);
         progress.leaveOut(file.name, nameOf(remotePath), file.size);
@@ -254,7 +253,7 @@ void sendFile(FtpSession& session, const std::string& localPath, const std::stri
     if (spec.namesFolder) {
         throw failure(ftp_failure::badArgument, "the remote name names a folder");
     }
-    const LocalFile file = localFileAt(nativePath(localPath), localPath);
+    const LocalFile file = localFileAt(machinePath(localPath, ftp_failure::localFileNotReadable), localPath);
     TransferProgress progress(session.wire().bridge(), controlSize(file.size), 1);
     sendOne(session, file, joined(spec.folder, spec.last), progress);
 }

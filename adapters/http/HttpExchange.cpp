@@ -1,6 +1,7 @@
 #include "http/HttpExchange.h"
 
 #include <new>
+#include <system_error>
 
 namespace quillport {
 
@@ -87,7 +88,11 @@ std::string HttpExchange::outcome() {
 }
 
 std::string HttpExchange::failureText(CURLcode result) const {
-    const std::string detail = error_.front() != '\0' ? error_.data() : curl_easy_strerror(result);
+    std::string detail = error_.front() != '\0' ? error_.data() : curl_easy_strerror(result);
+    long systemError = 0;
+    if (curl_easy_getinfo(easy_, CURLINFO_OS_ERRNO, &systemError) == CURLE_OK && systemError != 0) {
+        detail += " (" + std::system_category().message(static_cast<int>(systemError)) + ")";
+    }
     switch (result) {
     case CURLE_COULDNT_RESOLVE_HOST:
         return "the host name is not known: " + detail;

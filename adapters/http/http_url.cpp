@@ -56,6 +56,11 @@ std::string urlRefusal(const std::string& url) {
     if (scheme != "http" && scheme != "https") {
         return "only http and https can be fetched";
     }
+    // libcurl would take the first folder of "http:///folder" for the host.
+    const auto host = url.find("://");
+    if (host == std::string::npos || url.substr(host + 3, 1) == "/") {
+        return "the URL is not valid: it has no host name";
+    }
     if (part(parts, CURLUPART_USER) || part(parts, CURLUPART_PASSWORD)) {
         return "the URL holds a user name before the host name";
     }

@@ -2,6 +2,10 @@
 
 #include "platform/FileSystem.h"
 #include "platform/failure.h"
+#include "platform/paths.h"
+#include "platform/text.h"
+
+#include <variant>
 
 namespace quillport {
 
@@ -21,6 +25,8 @@ void CommandRecord::begin() {
     failedCall_.reset();
     filesStarted_ = 0;
     receivedSizes_.clear();
+    sent_.clear();
+    listedSizes_.clear();
 }
 
 std::optional<std::string> CommandRecord::incompleteFile(FileSystem& files) const {
@@ -32,18 +38,37 @@ std::optional<std::string> CommandRecord::incompleteFile(FileSystem& files) cons
     return std::nullopt;
 }
 
+std::optional<std::string> CommandRecord::unlistedFile() const {
+    for (const FileStart& file : sent_) {
+        const std::string name = paths::fileName(file.localPath);
+        const auto listed = listedSizes_.find(text::lower(name));
+        if (listed == listedSizes_.end() || listed->second != file.size) {
+            return name;
+        }
+    }
+    return std::nullopt;
+}
+
 void CommandRecord::callReturned(std::string_view name, FtpArguments /*arguments*/, const Failure* failure) {
     if (failure != nullptr && !failedCall_) {
         failedCall_ = {std::string(name), failure->description()};
     }
 }
 
-void CommandRecord::eventDelivered(std::string_view /*name*/, FtpArguments /*arguments*/) {}
+void CommandRecord::eventDelivered(std::string_view name, FtpArguments arguments) {
+    if (name == "OnFtpListItem") {
+        const auto item = std::get<std::string_view>(arguments[0]);
+        listedSizes_[text::lower(item)] = std::get<std::int64_t>(arguments[2]);
+    }
+}
 
 void CommandRecord::fileStarted(const FileStart& file) {
     ++filesStarted_;
+    listedSizes_.clear();
     if (file.direction == TransferDirection::received) {
         receivedSizes_[file.localPath] = file.size;
+    } else {
+        sent_.push_back(file);
     }
 }
 

@@ -5,6 +5,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace quillport {
 
@@ -28,6 +29,9 @@ public:
     [[nodiscard]] int filesStarted() const { return filesStarted_; }
     /// A received file that is not as long on this machine as the client said: its local path.
     [[nodiscard]] std::optional<std::string> incompleteFile(FileSystem& files) const;
+    /// A sent file that the RTU has not listed with its size since the last one started: its name. For files
+    /// that are sent one by one: behind each of them the control lists the folder it went to.
+    [[nodiscard]] std::optional<std::string> unlistedFile() const;
 
     void callReturned(std::string_view name, FtpArguments arguments, const Failure* failure) override;
     void eventDelivered(std::string_view name, FtpArguments arguments) override;
@@ -38,6 +42,8 @@ private:
     int filesStarted_ = 0;
     std::map<std::string, std::int32_t>
         receivedSizes_; ///< by local path; a repeated file counts as it was last
+    std::vector<FileStart> sent_;
+    std::map<std::string, std::int64_t> listedSizes_; ///< by lower-case name, since the last file started
 };
 
 } // namespace quillport

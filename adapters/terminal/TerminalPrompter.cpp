@@ -44,6 +44,12 @@ std::optional<Button> buttonTyped(const Prompt& prompt, std::string_view word) {
 
 Button TerminalPrompter::show(const Prompt& prompt) {
     shown_.push_back(prompt.text);
+    const Button answer = answerTo(prompt);
+    retryDeclined_ = retryDeclined_ || (offers(prompt, Button::Retry) && answer != Button::Retry);
+    return answer;
+}
+
+Button TerminalPrompter::answerTo(const Prompt& prompt) {
     if (const auto given = answers_.take(prompt)) {
         if (offers(prompt, *given)) {
             console_.say(renderPrompt(prompt) + " -> " + std::string(buttonText(*given)) + " (--answer)");

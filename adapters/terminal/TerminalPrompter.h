@@ -23,16 +23,21 @@ public:
     /// The texts of the prompts shown so far.
     [[nodiscard]] const std::vector<std::string>& shown() const { return shown_; }
 
+    /// Whether a prompt that offered Retry was answered with another button.
+    [[nodiscard]] bool retryDeclined() const { return retryDeclined_; }
+
     /// Says which of the answers given beforehand no prompt has asked for.
     void noteUnusedAnswers();
 
 private:
+    Button answerTo(const Prompt& prompt);
     Button askPerson(const Prompt& prompt);
     Button answerWithoutPerson(const Prompt& prompt);
 
     Console& console_;
     PromptAnswers answers_;
     std::vector<std::string> shown_;
+    bool retryDeclined_ = false;
     std::map<std::string, int> retries_; ///< taken by default, for each prompt text
 };
 

@@ -2,6 +2,7 @@
 
 #include "files/native_path.h"
 #include "platform/failure.h"
+#include "platform/text.h"
 #include "terminal/Console.h"
 #include "terminal/UsageError.h"
 
@@ -52,6 +53,14 @@ PickerAnswer answerForGet(const fs::path& folder) {
         throw UsageError("--to: " + folder.string() + " is not a folder");
     }
     return {PickerAnswer::Kind::folder, absoluteControlPath("--to", folder)};
+}
+
+void makeWayTo(const PickerAnswer& place, const FileType& type) {
+    const fs::path folder = nativePath(place.path);
+    // A path with the type's name in it is the tree itself. That it is not there yet counts.
+    const bool isTree = text::contains(text::lower(place.path), type.word);
+    std::error_code ignored;
+    fs::create_directories(isTree ? folder.parent_path() : folder, ignored);
 }
 
 PickerAnswer answerForSend(const fs::path& path, const FileType& type) {

@@ -21,6 +21,10 @@ struct PickerAnswer {
 
 /// The folder of a Get as typed on the command line; it need not be there yet. Throws UsageError.
 [[nodiscard]] PickerAnswer answerForGet(const std::filesystem::path& folder);
+/// Makes the folder of a Get as far as its path leads to the tree of the type, as a person does in a dialog:
+/// the control makes no more than the last folder of a template tree. What cannot be made is left to the Get
+/// to tell.
+void makeWayTo(const PickerAnswer& place, const FileType& type);
 /// The file or folder of a Send. Throws UsageError when it is not there or does not fit the type.
 [[nodiscard]] PickerAnswer answerForSend(const std::filesystem::path& path, const FileType& type);
 

@@ -111,14 +111,18 @@ std::optional<std::string> missingInformation(OperatedControl& operated) {
     return prompts.empty() ? std::nullopt : std::optional(prompts.front());
 }
 
-Judgement judgeTransfer(OperatedControl& operated, std::optional<std::string> unhandledFailure,
-                        FileSystem& files) {
+Judgement judgeTransfer(OperatedControl& operated, const TransferOrder& order,
+                        std::optional<std::string> unhandledFailure, FileSystem& files) {
     const CommandRecord& record = operated.record();
+    const bool sends = order.command == TransferCommand::send;
+    const bool sendsOneByOne = sends && order.type.source == SendSource::file;
     return judge({.result = operated.panel().text(ControlId::txtResult),
                   .failedCall = record.failedCall(),
                   .unhandledFailure = std::move(unhandledFailure),
                   .filesMoved = record.filesStarted(),
-                  .incompleteFile = record.incompleteFile(files)});
+                  .incompleteFile = record.incompleteFile(files),
+                  .leftShort = sends && operated.prompter().retryDeclined(),
+                  .unlistedFile = sendsOneByOne ? record.unlistedFile() : std::nullopt});
 }
 
 } // namespace
@@ -161,11 +165,14 @@ ExitStatus runTransfer(Machine machine, Console& console, PromptAnswers answers,
         writeLine(output, operated.panel().text(ControlId::txtResult));
         return ExitStatus::loginFailed;
     }
+    if (order.command == TransferCommand::get) {
+        makeWayTo(order.place, order.type);
+    }
     const ControlId command =
         order.command == TransferCommand::get ? ControlId::cmdGetFile : ControlId::cmdSendFile;
-    auto unhandledFailure = operated.runCommand(command, order.comboText);
+    auto unhandledFailure = operated.runCommand(command, order.type.comboText);
     operated.prompter().noteUnusedAnswers();
-    const Judgement judgement = judgeTransfer(operated, std::move(unhandledFailure), files);
+    const Judgement judgement = judgeTransfer(operated, order, std::move(unhandledFailure), files);
     if (judgement.status != ExitStatus::done) {
         complain(console, "not done: " + judgement.reason);
     }

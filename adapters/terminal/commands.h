@@ -46,7 +46,7 @@ enum class TransferCommand { get, send };
 
 struct TransferOrder {
     TransferCommand command;
-    std::string_view comboText; ///< the type, as cmbFileType has it
+    const FileType& type;
     PickerAnswer place;
 };
 

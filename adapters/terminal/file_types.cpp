@@ -22,6 +22,7 @@ constexpr std::array types{
 
 std::vector<std::string_view> words() {
     std::vector<std::string_view> all;
+    all.reserve(types.size());
     for (const FileType& type : types) {
         all.push_back(type.word);
     }

@@ -39,6 +39,13 @@ Judgement judge(const TransferOutcome& outcome) {
     if (outcome.incompleteFile) {
         reasons.push_back("the size of " + *outcome.incompleteFile + " is not what the RTU said");
     }
+    if (outcome.leftShort) {
+        reasons.emplace_back("a file that did not arrive whole was not sent again");
+    }
+    // Said only where nothing else explains it.
+    if (reasons.empty() && outcome.unlistedFile) {
+        reasons.push_back(*outcome.unlistedFile + " is not on the RTU as it was sent");
+    }
     return reasons.empty() ? Judgement{ExitStatus::done, ""}
                            : Judgement{ExitStatus::notDone, joined(reasons)};
 }

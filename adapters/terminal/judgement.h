@@ -15,6 +15,8 @@ struct TransferOutcome {
     std::optional<std::string> unhandledFailure;         ///< what left the control's own handling
     int filesMoved = 0;
     std::optional<std::string> incompleteFile;
+    bool leftShort = false; ///< a file that did not arrive whole on the RTU was not sent again
+    std::optional<std::string> unlistedFile = std::nullopt; ///< sent, and not on the RTU as it was sent
 };
 
 struct Judgement {
@@ -23,7 +25,7 @@ struct Judgement {
 };
 
 /// Done only when the result says OK throughout, nothing failed on the way, at least one file moved and each
-/// that came is as long as it was said to be.
+/// that moved is as long where it went as where it came from.
 [[nodiscard]] Judgement judge(const TransferOutcome& outcome);
 
 } // namespace quillport

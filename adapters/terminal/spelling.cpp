@@ -41,8 +41,8 @@ std::optional<std::string_view> suggestion(std::string_view word, std::span<cons
     for (const std::string_view candidate : known) {
         const std::string spelled = text::lower(candidate);
         const bool isBeginning = !wanted.empty() && spelled.starts_with(wanted);
-        const std::size_t away =
-            std::min<std::size_t>(distance(wanted, spelled), isBeginning ? 1 : wanted.size());
+        const std::size_t slips = distance(wanted, spelled);
+        const std::size_t away = isBeginning ? std::min<std::size_t>(slips, 1) : slips;
         if (away < nearEnough) {
             nearEnough = away;
             nearest = candidate;

@@ -32,14 +32,15 @@ constexpr std::array commandTable{
                 "configuration and templates it is the folder that holds the files, or a file in it.\n"
                 "\n"
                 "The last line on standard output is the result. Exit status: 0 only when the result is\n"
-                "OK, nothing failed on the way and at least one file went; 1 otherwise, with the reason\n"
-                "on standard error; 2 for wrong usage; 3 when the login failed."},
+                "OK, nothing failed on the way, at least one file went and none is known to stand short\n"
+                "on the RTU; 1 otherwise, with the reason on standard error; 2 for wrong usage; 3 when the\n"
+                "login failed."},
     CommandInfo{command::session, "session", "session [OPTIONS]",
                 "drive the panel from JSON lines, for automation",
                 "Reads actions as JSON lines from standard input and writes every effect as a JSON line\n"
                 "on standard output: clicks and typing go in, what the panel shows and asks comes out.\n"
                 "What --host, --part-number, --user and a password give is put in before the first\n"
-                "action. The protocol is told in docs/session.md.\n"
+                "action; nobody is asked for anything. The protocol is told in docs/session.md.\n"
                 "\n"
                 "Exit status: 0 at the end of the input, 2 for wrong usage and for a line that is no\n"
                 "action."},

@@ -76,9 +76,9 @@ SessionStart startOf(const Options& options) {
 TransferOrder transferOf(const Options& options) {
     const FileType& type = fileTypeNamed(options.type);
     if (options.order == Order::get) {
-        return {TransferCommand::get, type.comboText, answerForGet(options.place)};
+        return {TransferCommand::get, type, answerForGet(options.place)};
     }
-    return {TransferCommand::send, type.comboText, answerForSend(options.place, type)};
+    return {TransferCommand::send, type, answerForSend(options.place, type)};
 }
 
 ExitStatus run(const Options& options, Console& console, const StopSignals& signals) {

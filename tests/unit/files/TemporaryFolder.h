@@ -37,7 +37,7 @@ public:
 
     /// Writes a file and the folders on its way. `below` is spelled with "/".
     std::filesystem::path write(const std::string& below, std::string_view content = "") const {
-        const std::filesystem::path file = path_ / below;
+        std::filesystem::path file = path_ / below;
         std::filesystem::create_directories(file.parent_path());
         std::ofstream(file, std::ios::binary)
             .write(content.data(), static_cast<std::streamsize>(content.size()));
