@@ -89,8 +89,8 @@ class ControlChannel(AsyncChat):
         except (ValueError, RecursionError) as error:
             return {"event": "error", "message": f"not JSON: {error}"}
         match order:
-            case {"fault": str(spec)}:
-                return self._add_fault(spec)
+            case {"fault": str(fault_text)}:
+                return self._add_fault(fault_text)
             case {"clear": "faults"}:
                 self._rtu.faults.clear()
                 return {"event": "cleared"}
@@ -100,9 +100,9 @@ class ControlChannel(AsyncChat):
                 return {"event": "commands", "commands": self._rtu.log.commands()}
         return {"event": "error", "message": "known orders: fault, clear, ping, commands"}
 
-    def _add_fault(self, spec):
+    def _add_fault(self, fault_text):
         try:
-            self._rtu.faults.add(spec)
+            self._rtu.faults.add(fault_text)
         except FaultError as error:
             return {"event": "error", "message": str(error)}
-        return {"event": "fault", "fault": spec}
+        return {"event": "fault", "fault": fault_text}

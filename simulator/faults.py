@@ -62,31 +62,31 @@ class Fault:
         return self.met >= self.first and (self.count is None or self.met < self.first + self.count)
 
 
-def parse_fault(spec):
+def parse_fault(fault_text):
     """The fault that a text asks for; raises FaultError."""
-    match = _SPEC.fullmatch(spec)
+    match = _SPEC.fullmatch(fault_text)
     if not match:
-        raise FaultError(f"not a fault: {spec!r} (expected NAME[:CODE]=TARGET[@FIRST][xCOUNT])")
+        raise FaultError(f"not a fault: {fault_text!r} (expected NAME[:CODE]=TARGET[@FIRST][xCOUNT])")
     name, first, count = match["name"], int(match["first"] or 1), match["count"] or "1"
     if first < 1 or count == "0":
-        raise FaultError(f"FIRST and COUNT begin at 1: {spec!r}")
+        raise FaultError(f"FIRST and COUNT begin at 1: {fault_text!r}")
     if match["code"] and name not in WITH_CODE:
-        raise FaultError(f"the fault {name!r} takes no code: {spec!r}")
+        raise FaultError(f"the fault {name!r} takes no code: {fault_text!r}")
     code = int(match["code"] or WITH_CODE.get(name, 0))
     if name in WITH_CODE and not 200 <= code <= 599:
-        raise FaultError(f"a reply code lies between 200 and 599: {spec!r}")
-    return Fault(name, _checked_target(name, match["target"], spec), code, first,
+        raise FaultError(f"a reply code lies between 200 and 599: {fault_text!r}")
+    return Fault(name, _checked_target(name, match["target"], fault_text), code, first,
                  None if count == "*" else int(count))
 
 
-def _checked_target(name, target, spec):
+def _checked_target(name, target, fault_text):
     if name in WEB_FAULTS:
         return target.lower()
     if name not in FTP_FAULTS:
         raise FaultError(f"unknown fault {name!r} (known: {', '.join([*FTP_FAULTS, *WEB_FAULTS])})")
     command = target.upper()
     if command not in COMMANDS | CONNECT:
-        raise FaultError(f"unknown command {target!r} in the fault {spec!r}")
+        raise FaultError(f"unknown command {target!r} in the fault {fault_text!r}")
     if command not in FTP_FAULTS[name]:
         raise FaultError(f"the fault {name!r} does not fit the command {command}")
     return command
@@ -99,9 +99,9 @@ class Faults:
         self._faults = []
         self._lock = threading.Lock()
 
-    def add(self, spec):
+    def add(self, fault_text):
         """Add the fault that the text asks for; raises FaultError."""
-        fault = parse_fault(spec)
+        fault = parse_fault(fault_text)
         with self._lock:
             self._faults.append(fault)
 

@@ -95,7 +95,7 @@ def parse_options():
     parser.add_argument("--max-logins", type=number(1, 100), default=4, metavar="N", help="sessions at once (default 4)")
     parser.add_argument("--run-mode", default="RUN", help="RUNMODE in rtusetup.xml (default RUN)")
     parser.add_argument("--log", metavar="FILE", help="write every FTP command and HTTP request as a JSON line")
-    parser.add_argument("--fault", action="append", default=[], metavar="SPEC", help="add a fault (repeatable)")
+    parser.add_argument("--fault", action="append", default=[], metavar="FAULT", help="add a fault (repeatable)")
     parser.add_argument("--no-stdin", action="store_true", help="do not read standard input; end with the parent")
     _add_amounts(parser)
     return parser.parse_args()
@@ -133,8 +133,8 @@ def make_rtu(options, folder):
               latency_seconds=options.latency / 1000, bytes_per_second=options.bytes_per_second,
               idle_seconds=options.idle_timeout, max_logins=options.max_logins, run_mode=options.run_mode,
               log=CommandLog(options.log))
-    for spec in options.fault:
-        rtu.faults.add(spec)
+    for fault_text in options.fault:
+        rtu.faults.add(fault_text)
     return rtu
 
 
@@ -186,8 +186,8 @@ def main():
 def check(options):
     """Refuse wrong usage, and a machine without pyftpdlib, before anything is made."""
     try:
-        for spec in options.fault:
-            parse_fault(spec)
+        for fault_text in options.fault:
+            parse_fault(fault_text)
     except FaultError as error:
         fail(error, status=2)
     if options.folder and os.path.exists(options.folder) and not os.path.isdir(options.folder):

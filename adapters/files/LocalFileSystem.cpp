@@ -104,9 +104,10 @@ std::vector<std::string> searchOneName(const std::string& filespec, std::int32_t
     return {entry.path().filename().string()};
 }
 
-std::vector<std::string> searchMask(const FileSpec& spec, const std::string& filespec, std::int32_t wanted) {
+std::vector<std::string> searchMask(const FileSpec& pattern, const std::string& filespec,
+                                    std::int32_t wanted) {
     std::error_code error;
-    const auto entries = entriesOf(spec.folder, error);
+    const auto entries = entriesOf(pattern.folder, error);
     if (error == std::errc::no_such_file_or_directory || error == std::errc::not_a_directory) {
         return {};
     }
@@ -116,7 +117,7 @@ std::vector<std::string> searchMask(const FileSpec& spec, const std::string& fil
     std::vector<std::string> names;
     for (const fs::directory_entry& entry : entries) {
         const fs::path name = entry.path().filename();
-        if (isSpeakable(name) && matchesMask(name.string(), spec.name) && isWanted(entry, wanted)) {
+        if (isSpeakable(name) && matchesMask(name.string(), pattern.name) && isWanted(entry, wanted)) {
             names.push_back(name.string());
         }
     }
@@ -196,8 +197,8 @@ void deleteTree(const fs::path& folder, Force force) {
 
 std::vector<std::string> LocalFileSystem::search(const std::string& filespec, std::int32_t attributes) {
     const std::int32_t wanted = attributes | file_attribute::readOnly;
-    const FileSpec spec = fileSpec(filespec);
-    return isMask(spec.name) ? searchMask(spec, filespec, wanted) : searchOneName(filespec, wanted);
+    const FileSpec pattern = fileSpec(filespec);
+    return isMask(pattern.name) ? searchMask(pattern, filespec, wanted) : searchOneName(filespec, wanted);
 }
 
 std::int64_t LocalFileSystem::fileLength(const std::string& path) {

@@ -181,22 +181,22 @@ void CurlFtpClient::ftpRemoveFolder(const std::string& remoteFolder) {
     });
 }
 
-std::shared_ptr<const ftpFolderItems> CurlFtpClient::ftpGetFolderItems(const std::string& spec,
+std::shared_ptr<const ftpFolderItems> CurlFtpClient::ftpGetFolderItems(const std::string& pattern,
                                                                        std::int32_t /*flag*/) {
     std::vector<ftpFolderItem> items;
     machinery_->call(events_, CallKind::plain, [&] {
-        for (const RemoteEntry& entry : ftp::itemsOf(machinery_->session(), spec)) {
+        for (const RemoteEntry& entry : ftp::itemsOf(machinery_->session(), pattern)) {
             items.push_back(itemOf(entry));
         }
     });
     return std::make_shared<const ftpFolderItems>(std::move(items));
 }
 
-void CurlFtpClient::ftpListFolder(const std::string& spec) {
+void CurlFtpClient::ftpListFolder(const std::string& pattern) {
     ftp::FtpSession& session = machinery_->session();
     machinery_->call(events_, CallKind::plain, [&] {
         session.requireLink();
-        const std::string folder = ftp::absolutePath(spec, session.currentFolder());
+        const std::string folder = ftp::absolutePath(pattern, session.currentFolder());
         tellItems(machinery_->bridge(), ftp::listFolder(session, folder).entries);
     });
 }

@@ -127,25 +127,25 @@ private:
     std::vector<ReceiveStage> stages_;
 };
 
-/// A spec without a mask: one file, or a folder with all below it when recursing.
-std::vector<ReceiveStage> planReceiveOfName(FtpSession& session, const RemoteSpec& spec,
+/// A pattern without a mask: one file, or a folder with all below it when recursing.
+std::vector<ReceiveStage> planReceiveOfName(FtpSession& session, const RemoteSpec& pattern,
                                             const std::string& localFolder, Recurse recurse) {
-    tellScanning(session, spec.folder);
-    const RemoteFolder listed = listFolder(session, spec.folder);
+    tellScanning(session, pattern.folder);
+    const RemoteFolder listed = listFolder(session, pattern.folder);
     ReceivePlanning planning(session, std::string(everyName), recurse);
-    planning.tellUnsafe(listed, spec.folder);
-    const RemoteEntry* const entry = findEntry(listed, spec.last);
-    const std::string path = joined(spec.folder, spec.last);
+    planning.tellUnsafe(listed, pattern.folder);
+    const RemoteEntry* const entry = findEntry(listed, pattern.last);
+    const std::string path = joined(pattern.folder, pattern.last);
     if (entry == nullptr) {
         throw failure(ftp_failure::noSuchRemoteName, path);
     }
     if (entry->kind != EntryKind::folder) {
-        return {ReceiveStage{spec.folder, localFolder, {*entry}}};
+        return {ReceiveStage{pattern.folder, localFolder, {*entry}}};
     }
     if (recurse == Recurse::no) {
         throw failure(ftp_failure::notAPlainFile, path);
     }
-    planning.walk(joined(spec.folder, entry->name), localJoined(localFolder, entry->name));
+    planning.walk(joined(pattern.folder, entry->name), localJoined(localFolder, entry->name));
     return planning.take();
 }
 
@@ -228,7 +228,7 @@ private:
     std::vector<SendStage> stages_;
 };
 
-/// A local spec without a mask: one file, or a folder with all below it when recursing.
+/// A local pattern without a mask: one file, or a folder with all below it when recursing.
 std::vector<SendStage> planSendOfName(FtpSession& session, const std::string& localSpec,
                                       const std::string& remoteFolder, Recurse recurse) {
     const fs::path path = machinePath(localSpec, ftp_failure::localFileNotReadable);
@@ -250,12 +250,12 @@ std::vector<SendStage> planSendOfName(FtpSession& session, const std::string& lo
 
 std::vector<ReceiveStage> planReceive(FtpSession& session, const std::string& remoteSpec,
                                       const std::string& localFolder, Recurse recurse) {
-    const RemoteSpec spec = readSpec(remoteSpec, session.currentFolder());
-    if (!spec.namesFolder && !isMask(spec.last)) {
-        return planReceiveOfName(session, spec, localFolder, recurse);
+    const RemoteSpec pattern = readSpec(remoteSpec, session.currentFolder());
+    if (!pattern.namesFolder && !isMask(pattern.last)) {
+        return planReceiveOfName(session, pattern, localFolder, recurse);
     }
-    ReceivePlanning planning(session, spec.namesFolder ? std::string(everyName) : spec.last, recurse);
-    planning.walk(spec.folder, localFolder);
+    ReceivePlanning planning(session, pattern.namesFolder ? std::string(everyName) : pattern.last, recurse);
+    planning.walk(pattern.folder, localFolder);
     return planning.take();
 }
 

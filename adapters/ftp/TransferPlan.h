@@ -26,7 +26,7 @@ struct SendStage {
     std::vector<LocalFile> files;
 };
 
-/// Finds the files that a remote spec names, folder by folder: a folder's own files in listing order, then
+/// Finds the files that a remote pattern names, folder by folder: a folder's own files in listing order, then
 /// its sub-folders. Tells OnFtpScanning for each folder and OnFtpFileSkipped for each entry that cannot be
 /// taken. Two names in one folder that differ only in case raise namesCollide: on the other side they may be
 /// one file, and nothing is lost silently.

@@ -177,43 +177,44 @@ std::vector<RemoteEntry> contentsOf(FtpSession& session, const std::string& fold
     return listFolder(session, folder).entries;
 }
 
-std::vector<RemoteEntry> itemsOfEntry(FtpSession& session, const RemoteSpec& spec, const RemoteEntry& entry) {
-    return entry.kind == EntryKind::folder ? contentsOf(session, joined(spec.folder, entry.name))
+std::vector<RemoteEntry> itemsOfEntry(FtpSession& session, const RemoteSpec& pattern,
+                                      const RemoteEntry& entry) {
+    return entry.kind == EntryKind::folder ? contentsOf(session, joined(pattern.folder, entry.name))
                                            : std::vector{entry};
 }
 
 /// A name right below the root. Roots of devices lie there and appear in no listing; some servers do not even
 /// list that root.
-std::vector<RemoteEntry> itemsOfDevice(FtpSession& session, const RemoteSpec& spec) {
+std::vector<RemoteEntry> itemsOfDevice(FtpSession& session, const RemoteSpec& pattern) {
     try {
-        return contentsOf(session, joined(spec.folder, spec.last));
+        return contentsOf(session, joined(pattern.folder, pattern.last));
     } catch (const Failure& problem) {
         if (!isRefusal(problem)) {
             throw;
         }
     }
-    const RemoteFolder folder = listFolder(session, spec.folder);
-    const RemoteEntry* const entry = findEntry(folder, spec.last);
-    return entry == nullptr ? std::vector<RemoteEntry>() : itemsOfEntry(session, spec, *entry);
+    const RemoteFolder folder = listFolder(session, pattern.folder);
+    const RemoteEntry* const entry = findEntry(folder, pattern.last);
+    return entry == nullptr ? std::vector<RemoteEntry>() : itemsOfEntry(session, pattern, *entry);
 }
 
 /// One listing answers for all names of its folder that are asked about at once.
-std::optional<RemoteEntry> entryInFreshListing(FtpSession& session, const RemoteSpec& spec) {
-    if (const RemoteFolder* const known = session.remembered(spec.folder)) {
-        return copyOf(findEntry(*known, spec.last));
+std::optional<RemoteEntry> entryInFreshListing(FtpSession& session, const RemoteSpec& pattern) {
+    if (const RemoteFolder* const known = session.remembered(pattern.folder)) {
+        return copyOf(findEntry(*known, pattern.last));
     }
-    RemoteFolder listed = listFolder(session, spec.folder);
-    const auto entry = copyOf(findEntry(listed, spec.last));
-    session.remember(spec.folder, std::move(listed));
+    RemoteFolder listed = listFolder(session, pattern.folder);
+    const auto entry = copyOf(findEntry(listed, pattern.last));
+    session.remember(pattern.folder, std::move(listed));
     return entry;
 }
 
-std::vector<RemoteEntry> itemsOfName(FtpSession& session, const RemoteSpec& spec) {
-    if (spec.folder == "/") {
-        return itemsOfDevice(session, spec);
+std::vector<RemoteEntry> itemsOfName(FtpSession& session, const RemoteSpec& pattern) {
+    if (pattern.folder == "/") {
+        return itemsOfDevice(session, pattern);
     }
-    const std::optional<RemoteEntry> entry = entryInFreshListing(session, spec);
-    return entry ? itemsOfEntry(session, spec, *entry) : std::vector<RemoteEntry>();
+    const std::optional<RemoteEntry> entry = entryInFreshListing(session, pattern);
+    return entry ? itemsOfEntry(session, pattern, *entry) : std::vector<RemoteEntry>();
 }
 
 } // namespace
@@ -254,9 +255,9 @@ std::vector<RemoteEntry> matching(const RemoteFolder& folder, const std::string&
     return matches;
 }
 
-std::vector<RemoteEntry> itemsOf(FtpSession& session, const std::string& spec) {
+std::vector<RemoteEntry> itemsOf(FtpSession& session, const std::string& pattern) {
     session.requireLink();
-    const RemoteSpec read = readSpec(spec, session.currentFolder());
+    const RemoteSpec read = readSpec(pattern, session.currentFolder());
     if (read.namesFolder) {
         return contentsOf(session, read.folder);
     }

@@ -30,8 +30,8 @@ inline constexpr std::int64_t largestFile = std::numeric_limits<std::int32_t>::m
 /// The entries whose names match a mask, in listing order.
 [[nodiscard]] std::vector<RemoteEntry> matching(const RemoteFolder& folder, const std::string& mask);
 
-/// What a spec names: see FtpClient::ftpGetFolderItems().
-[[nodiscard]] std::vector<RemoteEntry> itemsOf(FtpSession& session, const std::string& spec);
+/// What a pattern names: see FtpClient::ftpGetFolderItems().
+[[nodiscard]] std::vector<RemoteEntry> itemsOf(FtpSession& session, const std::string& pattern);
 
 // Changes. Paths are absolute. One whose answer is lost with the link is not blindly made twice: after the
 // new login the client looks whether it is done.

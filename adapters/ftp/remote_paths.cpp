@@ -47,9 +47,9 @@ std::string_view deviceOf(std::string_view folder) {
                                                          : folder.substr(0, folder.find_first_of(separators));
 }
 
-bool beginsWithDevice(std::string_view spec, std::string_view device) {
-    return !device.empty() && spec.starts_with(device) &&
-           (spec.size() == device.size() || isSeparator(spec[device.size()]));
+bool beginsWithDevice(std::string_view pattern, std::string_view device) {
+    return !device.empty() && pattern.starts_with(device) &&
+           (pattern.size() == device.size() || isSeparator(pattern[device.size()]));
 }
 
 std::string spelled(const Components& components, std::string_view device) {
@@ -84,18 +84,20 @@ std::optional<std::array<int, 6>> sixNumbers(std::string_view text) {
 
 } // namespace
 
-RemoteSpec readSpec(std::string_view spec, std::string_view currentFolder) {
-    requireSendable(spec, "the remote name");
+RemoteSpec readSpec(std::string_view pattern, std::string_view currentFolder) {
+    requireSendable(pattern, "the remote name");
     const std::string_view device = deviceOf(currentFolder);
-    const bool absolute = (!spec.empty() && isSeparator(spec.front())) || beginsWithDevice(spec, device);
+    const bool absolute =
+        (!pattern.empty() && isSeparator(pattern.front())) || beginsWithDevice(pattern, device);
     Components components;
     if (!absolute) {
         appendComponents(components, currentFolder);
     }
-    appendComponents(components, spec);
+    appendComponents(components, pattern);
 
     RemoteSpec result;
-    const std::string_view tail = spec.substr(std::min(spec.find_last_of(separators) + 1, spec.size()));
+    const std::string_view tail =
+        pattern.substr(std::min(pattern.find_last_of(separators) + 1, pattern.size()));
     result.namesFolder = tail.empty() || tail == "." || tail == ".." || components.empty();
     if (!result.namesFolder && components.size() == 1 && components.front() == device) {
         result.namesFolder = true;
@@ -108,16 +110,16 @@ RemoteSpec readSpec(std::string_view spec, std::string_view currentFolder) {
     return result;
 }
 
-std::string absolutePath(std::string_view spec, std::string_view currentFolder) {
-    const RemoteSpec read = readSpec(spec, currentFolder);
+std::string absolutePath(std::string_view pattern, std::string_view currentFolder) {
+    const RemoteSpec read = readSpec(pattern, currentFolder);
     return read.namesFolder ? read.folder : joined(read.folder, read.last);
 }
 
-std::string pathOfEntry(std::string_view spec, std::string_view currentFolder) {
-    if (spec.empty()) {
+std::string pathOfEntry(std::string_view pattern, std::string_view currentFolder) {
+    if (pattern.empty()) {
         throw failure(ftp_failure::badArgument, "the remote name is empty");
     }
-    return absolutePath(spec, currentFolder);
+    return absolutePath(pattern, currentFolder);
 }
 
 std::string joined(std::string_view folder, std::string_view name) {

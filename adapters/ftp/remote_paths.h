@@ -6,22 +6,22 @@
 /// Paths and names on the server, as UTF-8 text.
 namespace quillport::ftp {
 
-/// What a remote spec means once the current folder is taken into account.
+/// What a remote pattern means once the current folder is taken into account.
 struct RemoteSpec {
     std::string folder;       ///< absolute, with no "/" at its end but that of the root
-    std::string last;         ///< the last component; empty when the spec names the folder itself
+    std::string last;         ///< the last component; empty when the pattern names the folder itself
     bool namesFolder = false; ///< it ended in a separator, or was empty
 };
 
-/// Reads a spec: "/" and "\" both separate, one that does not begin with a separator is relative to the
-/// current folder, "." and ".." are resolved. Raises badArgument for a spec with control characters.
-[[nodiscard]] RemoteSpec readSpec(std::string_view spec, std::string_view currentFolder);
+/// Reads a pattern: "/" and "\" both separate, one that does not begin with a separator is relative to the
+/// current folder, "." and ".." are resolved. Raises badArgument for a pattern with control characters.
+[[nodiscard]] RemoteSpec readSpec(std::string_view pattern, std::string_view currentFolder);
 
-/// The absolute path that a spec means, whether it ends in a separator or not.
-[[nodiscard]] std::string absolutePath(std::string_view spec, std::string_view currentFolder);
+/// The absolute path that a pattern means, whether it ends in a separator or not.
+[[nodiscard]] std::string absolutePath(std::string_view pattern, std::string_view currentFolder);
 
-/// The absolute path of an entry that is to be changed. Raises badArgument for an empty spec.
-[[nodiscard]] std::string pathOfEntry(std::string_view spec, std::string_view currentFolder);
+/// The absolute path of an entry that is to be changed. Raises badArgument for an empty pattern.
+[[nodiscard]] std::string pathOfEntry(std::string_view pattern, std::string_view currentFolder);
 
 /// The path of an entry of a folder.
 [[nodiscard]] std::string joined(std::string_view folder, std::string_view name);

@@ -141,16 +141,16 @@ void receiveQueried(FtpSession& session, const ReceiveStage& stage, const Remote
 }
 
 /// A file by its exact name. A server may know one that it does not list; then it is asked for all the same.
-RemoteEntry entryAt(FtpSession& session, const RemoteSpec& spec) {
-    const RemoteFolder listed = listFolder(session, spec.folder);
-    const RemoteEntry* const found = findEntry(listed, spec.last);
+RemoteEntry entryAt(FtpSession& session, const RemoteSpec& pattern) {
+    const RemoteFolder listed = listFolder(session, pattern.folder);
+    const RemoteEntry* const found = findEntry(listed, pattern.last);
     if (found == nullptr) {
         RemoteEntry unlisted;
-        unlisted.name = spec.last;
+        unlisted.name = pattern.last;
         return unlisted;
     }
     if (found->kind == EntryKind::folder) {
-        throw failure(ftp_failure::notAPlainFile, joined(spec.folder, spec.last));
+        throw failure(ftp_failure::notAPlainFile, joined(pattern.folder, pattern.last));
     }
     return *found;
 }
@@ -210,8 +210,8 @@ void openFolder(FtpSession& session, const std::string& folder, Recurse recurse)
     });
 }
 
-void requireSpec(const std::string& spec, const char* what) {
-    if (spec.empty()) {
+void requireSpec(const std::string& pattern, const char* what) {
+    if (pattern.empty()) {
         throw failure(ftp_failure::badArgument, std::string(what) + " is empty");
     }
 }
@@ -222,18 +222,18 @@ void receiveFile(FtpSession& session, const std::string& remotePath, const std::
     requireSpec(remotePath, "the remote path");
     requireSpec(localPath, "the local path");
     session.requireLink();
-    const RemoteSpec spec = readSpec(remotePath, session.currentFolder());
-    if (spec.namesFolder) {
+    const RemoteSpec pattern = readSpec(remotePath, session.currentFolder());
+    if (pattern.namesFolder) {
         throw failure(ftp_failure::notAPlainFile, remotePath);
     }
-    const RemoteEntry file = entryAt(session, spec);
+    const RemoteEntry file = entryAt(session, pattern);
     TransferProgress progress(session.wire().bridge(), controlSize(file.size), 1);
-    receiveOne(session, spec.folder, file, localPath, progress);
+    receiveOne(session, pattern.folder, file, localPath, progress);
 }
 
 void receiveFiles(FtpSession& session, const std::string& remoteSpec, const std::string& localFolder,
                   Recurse recurse) {
-    requireSpec(remoteSpec, "the remote spec");
+    requireSpec(remoteSpec, "the remote pattern");
     session.requireLink();
     const std::vector<ReceiveStage> stages = planReceive(session, remoteSpec, localFolder, recurse);
     TransferProgress progress = progressFor(session, stages);
@@ -249,18 +249,18 @@ void sendFile(FtpSession& session, const std::string& localPath, const std::stri
     requireSpec(localPath, "the local path");
     requireSpec(remoteName, "the remote name");
     session.requireLink();
-    const RemoteSpec spec = readSpec(remoteName, session.currentFolder());
-    if (spec.namesFolder) {
+    const RemoteSpec pattern = readSpec(remoteName, session.currentFolder());
+    if (pattern.namesFolder) {
         throw failure(ftp_failure::badArgument, "the remote name names a folder");
     }
     const LocalFile file = localFileAt(machinePath(localPath, ftp_failure::localFileNotReadable), localPath);
     TransferProgress progress(session.wire().bridge(), controlSize(file.size), 1);
-    sendOne(session, file, joined(spec.folder, spec.last), progress);
+    sendOne(session, file, joined(pattern.folder, pattern.last), progress);
 }
 
 void sendFiles(FtpSession& session, const std::string& localSpec, const std::string& remoteFolder,
                Recurse recurse) {
-    requireSpec(localSpec, "the local spec");
+    requireSpec(localSpec, "the local pattern");
     session.requireLink();
     const std::string target = absolutePath(remoteFolder, session.currentFolder());
     const std::vector<SendStage> stages = planSend(session, localSpec, target, recurse);

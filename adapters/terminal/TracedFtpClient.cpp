@@ -95,14 +95,14 @@ void TracedFtpClient::ftpRemoveFolder(const std::string& remoteFolder) {
     traced("ftpRemoveFolder", {remoteFolder}, [&] { client_->ftpRemoveFolder(remoteFolder); });
 }
 
-std::shared_ptr<const ftpFolderItems> TracedFtpClient::ftpGetFolderItems(const std::string& spec,
+std::shared_ptr<const ftpFolderItems> TracedFtpClient::ftpGetFolderItems(const std::string& pattern,
                                                                          std::int32_t flag) {
-    return traced("ftpGetFolderItems", {spec, number(flag)},
-                  [&] { return client_->ftpGetFolderItems(spec, flag); });
+    return traced("ftpGetFolderItems", {pattern, number(flag)},
+                  [&] { return client_->ftpGetFolderItems(pattern, flag); });
 }
 
-void TracedFtpClient::ftpListFolder(const std::string& spec) {
-    traced("ftpListFolder", {spec}, [&] { client_->ftpListFolder(spec); });
+void TracedFtpClient::ftpListFolder(const std::string& pattern) {
+    traced("ftpListFolder", {pattern}, [&] { client_->ftpListFolder(pattern); });
 }
 
 void TracedFtpClient::ftpReceiveFile(const std::string& remotePath, std::int32_t offset,

@@ -109,8 +109,12 @@ int runWindow(const WindowOptions& options) {
         page.load();
     }
     if (!options.screenshot.empty()) {
-        // Behind the load, which comes as soon as events are served.
-        QTimer::singleShot(0, &page, [&] { QApplication::exit(writePicture(page, options.screenshot)); });
+        // Its time comes right behind that of the load.
+        QTimer pictureTime;
+        pictureTime.setSingleShot(true);
+        QObject::connect(&pictureTime, &QTimer::timeout,
+                         [&] { QApplication::exit(writePicture(page, options.screenshot)); });
+        pictureTime.start(0);
         return QApplication::exec();
     }
     const TerminationNotice termination;

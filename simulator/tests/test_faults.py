@@ -16,10 +16,10 @@ SILENCE_SECONDS = 0.3  # how long a test listens to a silence that is said to ha
 
 
 class FaultTest(SharedSimulatorTest):
-    def with_fault(self, *specs):
+    def with_fault(self, *fault_texts):
         """The client, and the faults in force from now on."""
-        for spec in specs:
-            self.assertEqual(self.simulator.tell({"fault": spec}), {"event": "fault", "fault": spec})
+        for fault_text in fault_texts:
+            self.assertEqual(self.simulator.tell({"fault": fault_text}), {"event": "fault", "fault": fault_text})
         return self.client
 
     def receive(self, client, command):
@@ -51,24 +51,24 @@ class FaultTest(SharedSimulatorTest):
         return os.path.getsize(self.simulator.path("ata0a/" + name))
 
 
-class Specs(unittest.TestCase):
+class FaultTexts(unittest.TestCase):
     def test_accepted(self):
-        for spec, fault in (("refuse=DELE", Fault("refuse", "DELE", 550)),
+        for fault_text, fault in (("refuse=DELE", Fault("refuse", "DELE", 550)),
                             ("refuse:552=stor", Fault("refuse", "STOR", 552)),
                             ("refuse-552=STOR@3x2", Fault("refuse", "STOR", 552, first=3, count=2)),
                             ("cut-after=RETRx*", Fault("cut-after", "RETR", count=None)),
                             ("stall=CONNECT@2", Fault("stall", "CONNECT", first=2)),
                             ("http-status=RtuSetup.xml", Fault("http-status", "rtusetup.xml", 500)),
                             ("http-cut=profileC.xmlx3", Fault("http-cut", "profilec.xml", count=3))):
-            with self.subTest(spec):
-                self.assertEqual(parse_fault(spec), fault)
+            with self.subTest(fault_text):
+                self.assertEqual(parse_fault(fault_text), fault)
 
     def test_rejected(self):
-        for spec in ("", "refuse", "refuse=", "=RETR", "explode=RETR", "refuse=FLY", "truncate=DELE", "cut-after=CONNECT",
+        for fault_text in ("", "refuse", "refuse=", "=RETR", "explode=RETR", "refuse=FLY", "truncate=DELE", "cut-after=CONNECT",
                      "refuse=RETR@0", "refuse=RETRx0", "refuse=RETR@x", "stall:550=RETR", "refuse:99=RETR",
                      "refuse:100=RETR", "refuse:600=RETR", "refuse =RETR", "wrong-address=PORT"):
-            with self.subTest(spec), self.assertRaises(FaultError) as caught:
-                parse_fault(spec)
+            with self.subTest(fault_text), self.assertRaises(FaultError) as caught:
+                parse_fault(fault_text)
             self.assertTrue(str(caught.exception))
 
 

@@ -98,10 +98,10 @@ inline constexpr auto noSuchRemoteName = static_cast<std::int32_t>(0x80042013U);
 ///
 /// All calls block until the work has ended; while they run, events are delivered and the host's own events
 /// are served, on the caller's thread. A call that fails raises a Failure with the client's number and a text
-/// that holds the server's own words, never the password. Local paths use "\". In remote paths and specs "/"
-/// and "\" both separate; what does not begin with "/" is relative to the current folder; a last component
-/// with "*" or "?" is a mask, "*.*" matches every name; names match exactly first and then without regard to
-/// case. A call made while another one runs raises "busy".
+/// that holds the server's own words, never the password. Local paths use "\". In remote paths and patterns
+/// "/" and "\" both separate; what does not begin with "/" is relative to the current folder; a last
+/// component with "*" or "?" is a mask, "*.*" matches every name; names match exactly first and then without
+/// regard to case. A call made while another one runs raises "busy".
 class FtpClient {
 public:
     FtpClient() = default;
@@ -136,18 +136,18 @@ public:
     virtual void ftpRenameFile(const std::string& oldPath, const std::string& newPath) = 0;
     virtual void ftpRemoveFolder(const std::string& remoteFolder) = 0;
 
-    /// The entries that a spec names: empty for the current folder, a folder with or without its last "/" for
-    /// its contents, a file for that one entry, a mask for its matches. No match gives an empty collection; a
-    /// folder that is not there raises.
-    virtual std::shared_ptr<const ftpFolderItems> ftpGetFolderItems(const std::string& spec,
+    /// The entries that a pattern names: empty for the current folder, a folder with or without its last "/"
+    /// for its contents, a file for that one entry, a mask for its matches. No match gives an empty
+    /// collection; a folder that is not there raises.
+    virtual std::shared_ptr<const ftpFolderItems> ftpGetFolderItems(const std::string& pattern,
                                                                     std::int32_t flag) = 0;
     /// Delivers each entry of a folder by OnFtpListItem; empty for the current folder.
-    virtual void ftpListFolder(const std::string& spec) = 0;
+    virtual void ftpListFolder(const std::string& pattern) = 0;
 
     /// Receives one file to exactly this local path. `offset` is 0.
     virtual void ftpReceiveFile(const std::string& remotePath, std::int32_t offset,
                                 const std::string& localPath) = 0;
-    /// Receives every file that a spec names into a local folder, which is made with all its parents.
+    /// Receives every file that a pattern names into a local folder, which is made with all its parents.
     virtual void ftpReceiveFiles(const std::string& remoteSpec, const std::string& localFolder,
                                  bool recurse) = 0;
     /// Sends one file under a remote name. `offset` is 0.

@@ -54,8 +54,8 @@ class Rtu:
         self.process.stdin.flush()
         return json.loads(self.process.stdout.readline())
 
-    def fault(self, spec):
-        answer = self.tell({"fault": spec})
+    def fault(self, fault_text):
+        answer = self.tell({"fault": fault_text})
         if answer["event"] != "fault":
             raise AssertionError(answer)
 

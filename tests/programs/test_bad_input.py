@@ -41,10 +41,10 @@ class Link(FaultTest):
         rtu = self.rtu()
         for command in commands:
             for count in counts:
-                spec = f"{fault}={command}{count}"
-                with self.subTest(spec):
+                fault_text = f"{fault}={command}{count}"
+                with self.subTest(fault_text):
                     rtu.tell({"clear": "faults"})
-                    rtu.fault(spec)
+                    rtu.fault(fault_text)
                     self.assert_honest(self.get(rtu), rtu)
                     for name in files_below(self.folder):
                         os.remove(self.here(name))

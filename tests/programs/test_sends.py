@@ -70,7 +70,10 @@ class Application(SendTest):
         done = self.send(rtu, "application", write(self.here("K5902-041a-0300.out"), b"new"), REPLACE_APPLICATION)
         self.assertEqual([each for each in os.listdir(rtu.data()) if ".out" in each], [])
         self.check(done, 1, "OK\n")
-        self.assertIn("K5902-041a-0300.out", done.err)
+        self.assertIn("K5902-041a-0300.out is not on the RTU as it was sent", done.err)
+        # The way out: nothing is in the way of the next one.
+        self.check(self.send(rtu, "application", self.here("K5902-041a-0300.out")), 0, "OK\n")
+        self.assertEqual(contents(rtu.data("K5902-041a-0300.out")), b"new")
 
     def test_what_stands_after_each_failure(self):
         old, new = APPLICATION["K5902"], "K5902-042.out"

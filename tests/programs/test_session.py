@@ -144,10 +144,10 @@ class Members(SessionTest):
         for name in ("a.out", "B.OUT", "c.txt", ".hidden.out"):
             write(self.here(name), b"x")
         session = self.session()
-        spec = self.folder.replace("/", "\\") + "\\*.out"
-        effects = session.do({"call": "GetFiles", "filespec": spec, "attributes": 0},
-                             {"call": "GetFiles", "filespec": spec, "attributes": 2},
-                             {"call": "GetFiles", "filespec": spec + "x"})
+        pattern = self.folder.replace("/", "\\") + "\\*.out"
+        effects = session.do({"call": "GetFiles", "filespec": pattern, "attributes": 0},
+                             {"call": "GetFiles", "filespec": pattern, "attributes": 2},
+                             {"call": "GetFiles", "filespec": pattern + "x"})
         values = [effect for effect in effects if effect["event"] == "value"]
         self.assertEqual([value["name"] for value in values], ["GetFiles"] * 3)
         self.assertEqual([(value["value"][0], sorted(value["value"][1:])) for value in values],

@@ -45,8 +45,8 @@ std::string SimulatedRtu::ask(const std::string& order) {
     return answer;
 }
 
-void SimulatedRtu::addFault(const std::string& spec) {
-    ask(json{{"fault", spec}}.dump());
+void SimulatedRtu::addFault(const std::string& faultText) {
+    ask(json{{"fault", faultText}}.dump());
 }
 
 void SimulatedRtu::clearFaults() {

@@ -31,7 +31,7 @@ public:
     [[nodiscard]] std::vector<std::string> connectTo(const std::string& host) const;
 
     /// Adds a fault; see the simulator's README. Throws std::runtime_error for one that it does not know.
-    void addFault(const std::string& spec);
+    void addFault(const std::string& faultText);
     void clearFaults();
     /// All FTP commands so far, in the order of their arrival.
     [[nodiscard]] std::vector<LoggedCommand> commands();

@@ -27,9 +27,9 @@ protected:
         logIn("u", "p");
         events.commands.clear();
     }
-    /// Entries of a spec as "name size type".
-    Lines itemsOf(const std::string& spec) {
-        const auto items = client->ftpGetFolderItems(spec, 0);
+    /// Entries of a pattern as "name size type".
+    Lines itemsOf(const std::string& pattern) {
+        const auto items = client->ftpGetFolderItems(pattern, 0);
         Lines rendered;
         for (const ftpFolderItem& item : *items) {
             rendered.push_back(item.name + ' ' + std::to_string(item.size) + ' ' +
@@ -37,8 +37,8 @@ protected:
         }
         return rendered;
     }
-    std::int32_t numberOf(const std::string& spec) {
-        return failureOf([&] { (void)client->ftpGetFolderItems(spec, 0); }).number();
+    std::int32_t numberOf(const std::string& pattern) {
+        return failureOf([&] { (void)client->ftpGetFolderItems(pattern, 0); }).number();
     }
 
     std::optional<SimulatedRtu> rtu;

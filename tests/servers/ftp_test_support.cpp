@@ -152,8 +152,8 @@ void FtpClientTest::logIn(const std::string& user, const std::string& password) 
     client->ftpConnect();
 }
 
-std::vector<std::string> FtpClientTest::namesIn(const std::string& spec) {
-    const auto items = client->ftpGetFolderItems(spec, 0);
+std::vector<std::string> FtpClientTest::namesIn(const std::string& mask) {
+    const auto items = client->ftpGetFolderItems(mask, 0);
     std::vector<std::string> names;
     for (const ftpFolderItem& item : *items) {
         names.push_back(item.name);

@@ -98,7 +98,7 @@ protected:
     void makeClient(const std::vector<std::string>& connectTo, CurlFtpOptions options = {});
     void logIn(const std::string& user, const std::string& password);
     /// Names of entries, in listing order.
-    [[nodiscard]] std::vector<std::string> namesIn(const std::string& spec);
+    [[nodiscard]] std::vector<std::string> namesIn(const std::string& mask);
 
     TestPump pump;
     EventRecord events;

@@ -113,7 +113,7 @@ TEST(QtHost, APausePaintsTheLastStateAndServesNothing) {
     QCoreApplication::processEvents();
     window.paints = 0;
     bool served = false;
-    QTimer::singleShot(0, [&] { served = true; });
+    QTimer::singleShot(0, &window, [&] { served = true; });
     window.update();
     EXPECT_EQ(window.paints, 0);
     host.sleep(milliseconds(20));

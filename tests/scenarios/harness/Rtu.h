@@ -33,12 +33,14 @@ struct Rtu {
     std::string password;
     std::vector<Truncation> truncations;
 
-    /// A remote spec, from the root on.
-    [[nodiscard]] std::string absolute(const std::string& spec) const {
-        return startsWithSeparator(spec) ? spec : files.join(currentFolder, spec);
+    /// A remote pattern, from the root on.
+    [[nodiscard]] std::string absolute(const std::string& pattern) const {
+        return startsWithSeparator(pattern) ? pattern : files.join(currentFolder, pattern);
     }
     /// The same as a plain path, as the client tells it: spelled as the caller does, with no "/" at its end.
-    [[nodiscard]] std::string path(const std::string& spec) const { return normalPath(absolute(spec), '/'); }
+    [[nodiscard]] std::string path(const std::string& pattern) const {
+        return normalPath(absolute(pattern), '/');
+    }
 };
 
 /// The operator's disk as a scenario has it.

@@ -219,8 +219,8 @@ void ScriptedFtpClient::ftpRemoveFolder(const std::string& remoteFolder) {
     });
 }
 
-std::vector<ftpFolderItem> ScriptedFtpClient::entriesOf(const std::string& spec) {
-    const std::string path = spec.empty() ? rtu_.currentFolder : rtu_.absolute(spec);
+std::vector<ftpFolderItem> ScriptedFtpClient::entriesOf(const std::string& pattern) {
+    const std::string path = pattern.empty() ? rtu_.currentFolder : rtu_.absolute(pattern);
     std::vector<ftpFolderItem> items;
     if (const FileNode* folder = rtu_.files.findFolder(path)) {
         for (const auto& child : folder->children) {
@@ -242,21 +242,21 @@ std::vector<ftpFolderItem> ScriptedFtpClient::entriesOf(const std::string& spec)
     return items;
 }
 
-std::shared_ptr<const ftpFolderItems> ScriptedFtpClient::ftpGetFolderItems(const std::string& spec,
+std::shared_ptr<const ftpFolderItems> ScriptedFtpClient::ftpGetFolderItems(const std::string& pattern,
                                                                            std::int32_t flag) {
-    const std::string shown = arguments({inQuotes(spec), std::to_string(flag)});
+    const std::string shown = arguments({inQuotes(pattern), std::to_string(flag)});
     return call("ftpGetFolderItems", shown, [&](CallLine& line, const auto&) {
         requireLogin();
-        auto items = std::make_shared<const ftpFolderItems>(entriesOf(spec));
+        auto items = std::make_shared<const ftpFolderItems>(entriesOf(pattern));
         line.gives(std::to_string(items->Count()));
         return items;
     });
 }
 
-void ScriptedFtpClient::ftpListFolder(const std::string& spec) {
-    call("ftpListFolder", inQuotes(spec), [&](CallLine&, const std::optional<Fault>& fault) {
+void ScriptedFtpClient::ftpListFolder(const std::string& pattern) {
+    call("ftpListFolder", inQuotes(pattern), [&](CallLine&, const std::optional<Fault>& fault) {
         requireLogin();
-        const std::string path = spec.empty() ? rtu_.currentFolder : rtu_.path(spec);
+        const std::string path = pattern.empty() ? rtu_.currentFolder : rtu_.path(pattern);
         static_cast<void>(folderAt(path));
         int delivered = 0;
         for (const ftpFolderItem& item : entriesOf(path)) {

@@ -32,9 +32,9 @@ public:
     void ftpDeleteFile(const std::string& remotePath) override;
     void ftpRenameFile(const std::string& oldPath, const std::string& newPath) override;
     void ftpRemoveFolder(const std::string& remoteFolder) override;
-    std::shared_ptr<const ftpFolderItems> ftpGetFolderItems(const std::string& spec,
+    std::shared_ptr<const ftpFolderItems> ftpGetFolderItems(const std::string& pattern,
                                                             std::int32_t flag) override;
-    void ftpListFolder(const std::string& spec) override;
+    void ftpListFolder(const std::string& pattern) override;
     void ftpReceiveFile(const std::string& remotePath, std::int32_t offset,
                         const std::string& localPath) override;
     void ftpReceiveFiles(const std::string& remoteSpec, const std::string& localFolder,
@@ -56,7 +56,7 @@ private:
     auto readProperty(const std::string& name, Read&& read);
     void requireLogin();
     [[nodiscard]] FileNode& folderAt(const std::string& path);
-    [[nodiscard]] std::vector<ftpFolderItem> entriesOf(const std::string& spec);
+    [[nodiscard]] std::vector<ftpFolderItem> entriesOf(const std::string& pattern);
 
     Rtu& rtu_;
     LocalDisk& disk_;

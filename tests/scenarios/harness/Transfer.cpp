@@ -105,7 +105,7 @@ void Transfer::planReceive(const std::string& remoteSpec, const std::string& loc
     }
 }
 
-/// A spec without a mask: one file, or a folder with all below it when recursing.
+/// A pattern without a mask: one file, or a folder with all below it when recursing.
 void Transfer::planReceiveOfName(const std::string& path, const std::string& localFolder, bool recurse) {
     const std::string folder = rtu_.path(splitPath(path).folder);
     deliver("OnFtpScanning " + inQuotes(folder), [&] { events_->OnFtpScanning(folder, 0); });

@@ -9,13 +9,13 @@
 namespace quillport::ftp {
 namespace {
 
-std::string rendered(const RemoteSpec& spec) {
-    return spec.folder + (spec.namesFolder ? " (folder)" : " | " + spec.last);
+std::string rendered(const RemoteSpec& pattern) {
+    return pattern.folder + (pattern.namesFolder ? " (folder)" : " | " + pattern.last);
 }
 
 TEST(RemotePaths, ReadsSpecs) {
     const struct {
-        std::string_view spec;
+        std::string_view pattern;
         std::string_view current;
         std::string_view expected;
     } rows[] = {
@@ -49,16 +49,17 @@ TEST(RemotePaths, ReadsSpecs) {
         {"/ata0a/x", "mars:", "/ata0a | x"},
     };
     for (const auto& row : rows) {
-        EXPECT_EQ(rendered(readSpec(row.spec, row.current)), row.expected)
-            << "spec: " << row.spec << " in " << row.current;
+        EXPECT_EQ(rendered(readSpec(row.pattern, row.current)), row.expected)
+            << "pattern: " << row.pattern << " in " << row.current;
     }
 }
 
 TEST(RemotePaths, RefusesControlCharactersBeforeAnythingIsSent) {
-    for (const std::string& spec : {std::string("a\r\nDELE b"), std::string("a\nb"), std::string("a\0b", 3),
-                                    std::string("a\tb"), std::string("\x01"), std::string("a\x7f")}) {
+    for (const std::string& pattern :
+         {std::string("a\r\nDELE b"), std::string("a\nb"), std::string("a\0b", 3), std::string("a\tb"),
+          std::string("\x01"), std::string("a\x7f")}) {
         try {
-            (void)readSpec(spec, "/");
+            (void)readSpec(pattern, "/");
             ADD_FAILURE() << "accepted";
         } catch (const Failure& problem) {
             EXPECT_EQ(problem.number(), ftp_failure::badArgument);

@@ -27,20 +27,20 @@ public:
         note("rename " + from + " " + to);
     }
     void ftpRemoveFolder(const std::string& folder) override { note("remove " + folder); }
-    std::shared_ptr<const ftpFolderItems> ftpGetFolderItems(const std::string& spec,
+    std::shared_ptr<const ftpFolderItems> ftpGetFolderItems(const std::string& pattern,
                                                             std::int32_t flag) override {
-        note("items " + spec + " " + std::to_string(flag));
+        note("items " + pattern + " " + std::to_string(flag));
         return std::make_shared<const ftpFolderItems>(std::vector<ftpFolderItem>{{"a", {}, 7, 0}});
     }
-    void ftpListFolder(const std::string& spec) override {
-        note("list " + spec);
+    void ftpListFolder(const std::string& pattern) override {
+        note("list " + pattern);
         events->OnFtpListItem("a", makeDateTime(2015, 9, 30), 7, 0, "");
     }
     void ftpReceiveFile(const std::string& remote, std::int32_t offset, const std::string& local) override {
         note("receive " + remote + " " + std::to_string(offset) + " " + local);
     }
-    void ftpReceiveFiles(const std::string& spec, const std::string& folder, bool recurse) override {
-        note("receive all " + spec + " " + folder + (recurse ? " deep" : ""));
+    void ftpReceiveFiles(const std::string& pattern, const std::string& folder, bool recurse) override {
+        note("receive all " + pattern + " " + folder + (recurse ? " deep" : ""));
         bool skip = false;
         events->OnFtpFileQuery("\\x\\a", makeDateTime(2015, 9, 30), 7, 0, "", skip);
         note(skip ? "skip" : "take");
@@ -58,8 +58,8 @@ public:
         progress.overallPercent = 50;
         events->OnFtpProgress(progress);
     }
-    void ftpSendFiles(const std::string& spec, const std::string& folder, bool, bool) override {
-        note("send all " + spec + " " + folder);
+    void ftpSendFiles(const std::string& pattern, const std::string& folder, bool, bool) override {
+        note("send all " + pattern + " " + folder);
     }
     std::string ftpGetErrorText(std::int32_t number) override { return "text of " + std::to_string(number); }
 
