@@ -3,6 +3,7 @@
 #include "servers/ftp_test_support.h"
 
 #include <algorithm>
+#include <chrono>
 #include <fstream>
 
 /// Folders and what lies in them.
@@ -58,6 +59,42 @@ TEST_F(FtpListing, ThePanelIsFilledWithFewCommands) {
     EXPECT_EQ(events.commands,
               (Lines{"USER rtu", "PASS [password hidden]", "PWD", "CWD /ata0a/Webfiles/GUI", "PASV", "LIST",
                      "CWD /ata0a", "PASV", "LIST", "CWD /ata0a", "PASV", "LIST"}));
+}
+
+TEST_F(FtpListing, OneListingServesTheNamesOfItsFolder) {
+    startRtu({"--xml-files", "200"});
+    const Lines names = namesIn("/ata0a/webfiles/xml/");
+    ASSERT_EQ(names.size(), 200U);
+    events.commands.clear();
+    for (const std::string& name : names) {
+        EXPECT_EQ(client->ftpGetFolderItems("/ata0a/webfiles/xml/" + name, 0)->Count(), 1) << name;
+    }
+    // Two, should this machine take more than two seconds for it.
+    EXPECT_GE(std::count(events.commands.begin(), events.commands.end(), "LIST"), 1);
+    EXPECT_LE(events.commands.size(), 5U);
+}
+
+TEST_F(FtpListing, WhatTheClientChangesMakesAListingOld) {
+    startRtu();
+    const std::string folder = "/ata0a/webfiles/ISaGRAF/";
+    EXPECT_EQ(itemsOf(folder + "prog04.tic").size(), 1U);
+    client->ftpDeleteFile(folder + "prog04.tic");
+    EXPECT_EQ(itemsOf(folder + "prog04.tic").size(), 0U);
+    client->ftpRenameFile(folder + "prog01.tic", folder + "prog04.tic");
+    EXPECT_EQ(itemsOf(folder + "prog04.tic"), (Lines{"prog04.tic 512 0"}));
+    writeFile(local.path() / "prog04.tic", "four");
+    client->ftpSendFile(local.control("prog04.tic"), 0, folder + "prog04.tic", false);
+    EXPECT_EQ(itemsOf(folder + "prog04.tic"), (Lines{"prog04.tic 4 0"}));
+}
+
+TEST_F(FtpListing, AListingServesNamesForSecondsOnly) {
+    startRtu();
+    const auto lists = [&] { return std::count(events.commands.begin(), events.commands.end(), "LIST"); };
+    const auto patience = std::chrono::steady_clock::now() + std::chrono::seconds(20);
+    while (lists() < 2 && std::chrono::steady_clock::now() < patience) {
+        EXPECT_EQ(itemsOf("/ata0a/vxworks").size(), 1U);
+    }
+    EXPECT_EQ(lists(), 2);
 }
 
 TEST_F(FtpListing, ReadsEveryFormThatTheRtuLists) {
