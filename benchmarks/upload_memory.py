@@ -1,8 +1,8 @@
 #!/usr/bin/python3
 """Peak memory of an upload beside the size of the file, against the simulated RTU.
 
-An application of 8 MB and one of 512 MB are sent with quillportctl, and with the curl program beside it in the same run.
-An upload streams when its peak does not grow with the file. Prints figures and asserts nothing.
+An application of 8 MB and one of 512 MB are sent with quillportctl, and with the curl program beside it in the same
+run. An upload streams when its peak does not grow with the file. Prints figures and asserts nothing.
 
     benchmarks/upload_memory.py build/release/apps/quillportctl/quillportctl
 """
@@ -88,7 +88,8 @@ def main():
     def control(rtu, path):
         return [program, "send", "application", "--from", path, "--host", "rtu.bench", "--part-number", "K5902",
                 "--user", "rtu", "--answer", "Replace Application File?=OK",
-                "--connect-to", f"rtu.bench:21:127.0.0.1:{rtu.ftp}", "--connect-to", f"rtu.bench:80:127.0.0.1:{rtu.http}"]
+                "--connect-to", f"rtu.bench:21:127.0.0.1:{rtu.ftp}",
+                "--connect-to", f"rtu.bench:80:127.0.0.1:{rtu.http}"]
 
     def peer(rtu, path):
         return ["curl", "--silent", "--show-error", "--disable-epsv", "--upload-file", path,

@@ -1,5 +1,6 @@
 #include "terminal/TransferPicker.h"
 
+#include "files/mask.h"
 #include "files/native_path.h"
 #include "platform/failure.h"
 #include "platform/text.h"
@@ -74,6 +75,22 @@ PickerAnswer answerForSend(const fs::path& path, const FileType& type) {
     }
     return {isFolder ? PickerAnswer::Kind::folder : PickerAnswer::Kind::file,
             absoluteControlPath("--from", path)};
+}
+
+void requireFilesToSend(const fs::path& path, const FileType& type) {
+    if (type.word != "configuration") {
+        return;
+    }
+    const fs::path folder = fs::is_directory(statusOf(path)) ? path : fs::absolute(path).parent_path();
+    std::error_code error;
+    fs::directory_iterator entry(folder, error);
+    for (; !error && entry != fs::directory_iterator(); entry.increment(error)) {
+        if (matchesMask(entry->path().filename().string(), "*.xml")) {
+            return;
+        }
+    }
+    throw UsageError("--from: " + folder.string() +
+                     (error ? ": " + error.message() : " holds no .xml file; name the folder that does"));
 }
 
 std::optional<std::string> TransferPicker::pick(const PickerRequest& request) {

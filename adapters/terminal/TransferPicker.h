@@ -28,6 +28,10 @@ void makeWayTo(const PickerAnswer& place, const FileType& type);
 /// The file or folder of a Send. Throws UsageError when it is not there or does not fit the type.
 [[nodiscard]] PickerAnswer answerForSend(const std::filesystem::path& path, const FileType& type);
 
+/// Throws UsageError when a configuration is to be sent from a folder without documents, such as the one
+/// above them: that would delete the RTU's documents and send none.
+void requireFilesToSend(const std::filesystem::path& path, const FileType& type);
+
 /// Answers the command's picker, once. When it comes up again, because the operator wants another place than
 /// the one that was given, there is no other: it is cancelled.
 class TransferPicker final : public PickerDialog {

@@ -10,11 +10,13 @@ namespace quillport {
 
 /// All that counts for the status of a transfer command.
 struct TransferOutcome {
-    std::string result;                                  ///< the control's own word
-    std::optional<CommandRecord::FailedCall> failedCall; ///< a call on the FTP client that raised
-    std::optional<std::string> unhandledFailure;         ///< what left the control's own handling
+    std::string result; ///< the control's own word
+    /// A call on the FTP client that raised.
+    std::optional<CommandRecord::FailedCall> failedCall = std::nullopt;
+    std::optional<std::string> unhandledFailure = std::nullopt; ///< what left the control's own handling
     int filesMoved = 0;
-    std::optional<std::string> incompleteFile;
+    /// Received, and not as long as it was said to be.
+    std::optional<std::string> incompleteFile = std::nullopt;
     bool leftShort = false; ///< a file that did not arrive whole on the RTU was not sent again
     std::optional<std::string> unlistedFile = std::nullopt; ///< sent, and not on the RTU as it was sent
 };

@@ -88,6 +88,22 @@ int writePicture(const ControlPage& page, const std::string& file) {
                    : complain("cannot write " + file + ": " + plainText(picture.errorString()), failed);
 }
 
+int takePicture(const ControlPage& page, const std::string& file) {
+    // Its time comes right behind that of the load.
+    QTimer pictureTime;
+    pictureTime.setSingleShot(true);
+    QObject::connect(&pictureTime, &QTimer::timeout, [&] { QApplication::exit(writePicture(page, file)); });
+    pictureTime.start(0);
+    return QApplication::exec();
+}
+
+int showWindow(ControlPage& page) {
+    const TerminationNotice termination;
+    QObject::connect(&termination, &TerminationNotice::received, &page, &QWidget::close);
+    page.show();
+    return QApplication::exec();
+}
+
 int runWindow(const WindowOptions& options) {
     QtHost host;
     LocalFileSystem files;
@@ -108,19 +124,7 @@ int runWindow(const WindowOptions& options) {
     if (options.loadsAtOnce()) {
         page.load();
     }
-    if (!options.screenshot.empty()) {
-        // Its time comes right behind that of the load.
-        QTimer pictureTime;
-        pictureTime.setSingleShot(true);
-        QObject::connect(&pictureTime, &QTimer::timeout,
-                         [&] { QApplication::exit(writePicture(page, options.screenshot)); });
-        pictureTime.start(0);
-        return QApplication::exec();
-    }
-    const TerminationNotice termination;
-    QObject::connect(&termination, &TerminationNotice::received, &page, &QWidget::close);
-    page.show();
-    return QApplication::exec();
+    return options.screenshot.empty() ? showWindow(page) : takePicture(page, options.screenshot);
 }
 
 } // namespace

@@ -78,7 +78,9 @@ TransferOrder transferOf(const Options& options) {
     if (options.order == Order::get) {
         return {TransferCommand::get, type, answerForGet(options.place)};
     }
-    return {TransferCommand::send, type, answerForSend(options.place, type)};
+    PickerAnswer place = answerForSend(options.place, type);
+    requireFilesToSend(options.place, type);
+    return {TransferCommand::send, type, std::move(place)};
 }
 
 ExitStatus run(const Options& options, Console& console, const StopSignals& signals) {

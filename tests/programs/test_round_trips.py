@@ -159,6 +159,18 @@ class Configuration(RoundTrip):
                 rtu.tell({"clear": "faults"})
                 rtu.fault("truncate=STOR@2x*")
 
+    def test_a_folder_without_documents_is_refused(self):
+        # The folder above the documents, say. The control would delete the RTU's and send none.
+        rtu = self.rtu("--xml-files", "3")
+        before = tree(rtu.path())
+        write(self.here("Configuration", "xml", "a.xml"), b"<a/>")
+        write(self.here("notes", "a.txt"), b"")
+        for place in self.here("Configuration"), self.here("notes", "a.txt"):
+            done = self.send(rtu, "configuration", place, "Replace Configuration Files?=OK")
+            self.check(done, 2, "")
+            self.assertIn("holds no .xml file", done.err)
+        self.assert_same(tree(rtu.path()), before)
+
     def test_a_send_that_broke_is_repeated(self):
         xml_files, isagraf_files = 40, 10
         for fault in ("cut-before=DELE@20x*", "cut-during=STOR@15", "cut-before=STOR@45", "refuse=STOR@4"):

@@ -310,15 +310,16 @@ class Bar(SendTest):
     def bar_of_send(self, board, kind, path):
         """Every write to the bar while the file goes through a door that opens when the bar has moved half way."""
         rtu = self.rtu("--board", board)
-        door = UploadDoor(rtu, pause=0.005)
+        door = UploadDoor(rtu, pause=0.02)
         self.addCleanup(door.close)
         session = self.session(*connections(rtu, ftp=door.port))
         session.do(*log_in(rtu), {"type": "cmbFileType", "text": kind}, {"pick": path}, {"answer": "OK"})
         bar = []
         for effect in effects_of(session, {"click": "cmdSendFile"}):
             if effect.get("control") == "barTotFile":
-                bar.append(effect["value"] if effect["property"] == "value" else effect["property"] + str(effect["value"]))
-                if isinstance(bar[-1], int) and 0 < bar[-1] < 100:
+                value = effect["value"]
+                bar.append(value if effect["property"] == "value" else effect["property"] + str(value))
+                if bar[-1] in range(1, 100):
                     door.open()
         return bar
 

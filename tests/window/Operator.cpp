@@ -2,7 +2,9 @@
 
 #include <gtest/gtest.h>
 
+#include <QAbstractItemView>
 #include <QApplication>
+#include <QCompleter>
 #include <QDialogButtonBox>
 #include <QFileDialog>
 #include <QLineEdit>
@@ -74,6 +76,7 @@ void confirm(QFileDialog& dialog, const std::string& path) {
     auto* name = dialog.findChild<QLineEdit*>("fileNameEdit");
     name->selectAll();
     QTest::keyClicks(name, QString::fromStdString(path));
+    name->completer()->popup()->hide(); // it would take the click for its own
     const auto button =
         dialog.acceptMode() == QFileDialog::AcceptSave ? QDialogButtonBox::Save : QDialogButtonBox::Open;
     QTest::mouseClick(dialog.findChild<QDialogButtonBox*>("buttonBox")->button(button), Qt::LeftButton);

@@ -1,5 +1,6 @@
 #include "window/WindowTest.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QDir>
 #include <QGroupBox>
@@ -39,6 +40,8 @@ void WindowTest::open(const std::vector<std::string>& rtuOptions, const std::str
     makePage();
     page->setAddress(QString::fromStdString(rtuName), QString::fromStdString(board));
     page->show();
+    page->activateWindow();
+    hand.waitFor("the window in front", [this] { return QApplication::activeWindow() == page.get(); });
     page->load();
     hand.waitFor("the control", [this] { return page->control() != nullptr; });
 }

@@ -32,7 +32,8 @@ protected:
     void show(double scale) {
         view = std::make_unique<PanelWidget>(scale);
         view->show();
-        ASSERT_TRUE(QTest::qWaitForWindowExposed(view.get()));
+        view->activateWindow();
+        ASSERT_TRUE(QTest::qWaitForWindowActive(view.get()));
     }
     void write(ControlId id, const std::string& text) {
         panel.setText(id, text);

@@ -65,5 +65,31 @@ TEST_F(CommandRecordTest, countsFilesAndFindsOneThatIsNotWhole) {
     EXPECT_EQ(record.incompleteFile(files), std::nullopt);
 }
 
+TEST_F(CommandRecordTest, findsASentFileThatTheRtuDoesNotListAsItWasSent) {
+    const auto listed = [this](std::string_view name, std::int64_t size) {
+        const FtpArgument item[] = {name, DateTime{}, size, std::int64_t{0}, std::string_view()};
+        record.eventDelivered("OnFtpListItem", item);
+    };
+    record.fileStarted({TransferDirection::received, "\\home\\op\\other", 5});
+    EXPECT_EQ(record.unlistedFile(), std::nullopt);
+
+    listed("vxworks", 7); // from before it was sent
+    record.fileStarted({TransferDirection::sent, "\\home\\op\\vxworks", 7});
+    EXPECT_EQ(record.unlistedFile(), "vxworks");
+    listed("vxworks", 3);
+    EXPECT_EQ(record.unlistedFile(), "vxworks");
+    listed("VXWORKS", 7); // an RTU may list names in another case
+    EXPECT_EQ(record.unlistedFile(), std::nullopt);
+
+    // Of several, each has to be in the listings behind the last one.
+    record.fileStarted({TransferDirection::sent, "\\home\\op\\WebCli", 2});
+    listed("WebCli", 2);
+    EXPECT_EQ(record.unlistedFile(), "vxworks");
+    listed("vxworks", 7);
+    EXPECT_EQ(record.unlistedFile(), std::nullopt);
+    record.begin();
+    EXPECT_EQ(record.unlistedFile(), std::nullopt);
+}
+
 } // namespace
 } // namespace quillport

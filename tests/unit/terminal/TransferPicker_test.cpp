@@ -87,5 +87,26 @@ TEST_F(TransferPickerTest, refusesWhatCannotBeMeant) {
     EXPECT_EQ(refusal([&] { return answerForSend("", fileTypeNamed("os")); }), "--from is empty");
 }
 
+TEST_F(TransferPickerTest, refusesAConfigurationWithoutDocuments) {
+    const FileType& configuration = fileTypeNamed("configuration");
+    EXPECT_THROW(requireFilesToSend(folder, configuration), UsageError);
+    EXPECT_THROW(requireFilesToSend(folder / "K5902.out", configuration), UsageError);
+    EXPECT_THROW(requireFilesToSend(folder / "xml", configuration), UsageError);
+    EXPECT_NO_THROW(requireFilesToSend(folder, fileTypeNamed("templates")));
+    std::ofstream(folder / "xml" / "Bay01.XML") << "<x/>";
+    EXPECT_NO_THROW(requireFilesToSend(folder / "xml", configuration));
+    EXPECT_NO_THROW(requireFilesToSend(folder / "xml" / "Bay01.XML", configuration));
+}
+
+TEST_F(TransferPickerTest, makesTheFolderUpToTheTreeOfTheType) {
+    const FileType& templates = fileTypeNamed("templates");
+    makeWayTo(answerForGet(folder / "new" / "backup"), templates);
+    EXPECT_TRUE(fs::is_directory(folder / "new" / "backup"));
+    makeWayTo(answerForGet(folder / "other" / "My Templates"), templates);
+    EXPECT_TRUE(fs::is_directory(folder / "other"));
+    EXPECT_FALSE(fs::exists(folder / "other" / "My Templates"));
+    makeWayTo(answerForGet(folder / "K5902.out" / "below a file"), templates); // left to the Get to tell
+}
+
 } // namespace
 } // namespace quillport

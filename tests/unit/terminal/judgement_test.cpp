@@ -46,6 +46,18 @@ const Row rows[] = {
      {"OK", {}, {}, 2, "\\home\\op\\vxworks"},
      ExitStatus::notDone,
      "the size of \\home\\op\\vxworks is not what the RTU said"},
+    {"a file that stayed short on the RTU",
+     {.result = "OK", .filesMoved = 2, .leftShort = true},
+     ExitStatus::notDone,
+     "a file that did not arrive whole was not sent again"},
+    {"a file that the RTU does not list",
+     {.result = "OK", .filesMoved = 1, .unlistedFile = "vxworks"},
+     ExitStatus::notDone,
+     "vxworks is not on the RTU as it was sent"},
+    {"a file that the RTU does not list, where that is explained",
+     {.result = "Cancelled", .failedCall = aborted, .filesMoved = 1, .unlistedFile = "vxworks"},
+     ExitStatus::notDone,
+     "the result is \"Cancelled\"; ftpReceiveFiles failed: aborted"},
 };
 
 TEST(Judgement, isDoneOnlyWhenEverythingSaysSo) {
