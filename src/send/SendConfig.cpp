@@ -84,7 +84,8 @@ std::string QuillportControl::SendConfigFiles(const std::string& srcFolder, cons
         if (extension.empty()) {
             continue;
         }
-        const std::string localMask = srcFolder + "*" + extension;
+        std::string localMask = srcFolder;
+        localMask.append("*").append(extension);
         XceedFtp1->ftpSendFiles(localMask, rtuXmlFolder, false, false);
         if (error_.Number() != 0) {
             return cancelled("Send Configuration");
