@@ -36,7 +36,7 @@ void askPage(World& world, ControlUnderTest& control, const std::string& member,
     } else if (member == "Disconnect") {
         control.Disconnect();
     } else if (member == "GetFiles") {
-        const std::string filespec = words.take("a file specification");
+        const std::string filespec = words.take("a path or a mask");
         const std::int32_t attributes = words.empty() ? 0 : words.takeNumber("the attributes");
         world.transcript.write("result", namesText(control.GetFiles(filespec, attributes)));
     } else {
