@@ -41,6 +41,7 @@ TEXT
 if [ "$program" = quillport ]; then
   echo "Type the user name and the password in the window and press Connect. The demo ends with the window."
   build/release/apps/quillport/quillport "${connection[@]}"
+  exit 0
 fi
 
 home=build/demo-files

@@ -204,7 +204,7 @@ std::optional<RemoteEntry> entryInFreshListing(FtpSession& session, const Remote
         return copyOf(findEntry(*known, pattern.last));
     }
     RemoteFolder listed = listFolder(session, pattern.folder);
-    const auto entry = copyOf(findEntry(listed, pattern.last));
+    auto entry = copyOf(findEntry(listed, pattern.last));
     session.remember(pattern.folder, std::move(listed));
     return entry;
 }

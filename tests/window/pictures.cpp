@@ -1,6 +1,5 @@
 #include "window/WindowTest.h"
 
-#include <QFileDialog>
 #include <QMessageBox>
 
 namespace quillport::test {
@@ -22,7 +21,6 @@ TEST_F(Pictures, TheWholeStory) {
     logIn();
     save(*page, "window");
     choose("Application");
-    hand.whenPicker([] { save(*frontDialog("picker"), "picker"); });
     hand.answerPicker(local("Application").string());
     hand.plan(
         "two thirds of the file",
