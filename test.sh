@@ -21,7 +21,7 @@ esac
 title() { printf '\n== %s (%s s)\n' "$1" "$SECONDS"; }
 
 scripts/setup.sh
-scripts/fetch_test_server.sh
+scripts/fetch_test_server.sh || echo "test.sh: no foreign FTP server could be fetched; its tests will say that they skip"
 
 build_and_test() {
   title "build: $1"
