@@ -74,8 +74,8 @@ class ControlChannel(AsyncChat):
     def _wake(self):
         try:
             self._waking.send(b"\0")
-        except BlockingIOError:
-            pass  # the loop has wakes enough to read
+        except OSError:
+            pass  # the loop has wakes enough to read, or a signal has ended it already
 
     def _answer(self, line):
         try:
